@@ -1,0 +1,50 @@
+#include "accessors/image/image_units.h"
+
+#include <mutex>
+
+// The destructor runs when the module unloads.
+struct UnitChain {
+    std::mutex lock;
+    ImageMap *first = nullptr;
+
+    ~UnitChain()
+    {
+        while (first != nullptr) {
+            ImageMap *map = first;
+            first = map->next;
+            ImageMap_Delete(map);
+        }
+    }
+};
+
+static constinit UnitChain units;
+
+// Under the lock.
+static const ImageMap *UnitChain_Find(uint32_t unit)
+{
+    for (const ImageMap *map = units.first; map != nullptr; map = map->next) {
+        if (map->unit == unit)
+            return map;
+    }
+    return nullptr;
+}
+
+StatusCode ImageUnits_Add(ImageMap *map)
+{
+    const std::lock_guard<std::mutex> guard(units.lock);
+    const ImageMap *present = UnitChain_Find(map->unit);
+    if (present == nullptr) {
+        map->next = units.first;
+        units.first = map;
+        return 0;
+    }
+    const bool isSame = ImageMap_AreEqual(present, map);
+    ImageMap_Delete(map);
+    return isSame ? 0 : StatusAccessorInUse;
+}
+
+const ImageMap *ImageUnits_Find(uint32_t unit)
+{
+    const std::lock_guard<std::mutex> guard(units.lock);
+    return UnitChain_Find(unit);
+}

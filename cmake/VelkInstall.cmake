@@ -1,0 +1,32 @@
+# What `cmake --install` puts where. The whole can be moved afterwards: nothing holds the prefix.
+include(CMakePackageConfigHelpers)
+
+set(packageDir "${CMAKE_INSTALL_LIBDIR}/cmake/velk32")
+set(accessorDir "${CMAKE_INSTALL_LIBDIR}/velk")
+
+install(FILES include/velk32.h include/velk32_accessor.h DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+install(TARGETS velk32 EXPORT velk32Targets LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(TARGETS velkimage LIBRARY DESTINATION "${accessorDir}")
+
+install(EXPORT velk32Targets NAMESPACE velk32:: DESTINATION "${packageDir}")
+configure_package_config_file(cmake/velk32Config.cmake.in
+    "${PROJECT_BINARY_DIR}/velk32Config.cmake"
+    INSTALL_DESTINATION "${packageDir}"
+    PATH_VARS accessorDir)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/velk32ConfigVersion.cmake"
+    COMPATIBILITY SameMajorVersion)
+install(FILES
+    "${PROJECT_BINARY_DIR}/velk32Config.cmake"
+    "${PROJECT_BINARY_DIR}/velk32ConfigVersion.cmake"
+    DESTINATION "${packageDir}")
+
+file(RELATIVE_PATH prefixFromPc
+    "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+string(REGEX REPLACE "/$" "" prefixFromPc "${prefixFromPc}")
+configure_file(cmake/velk32.pc.in "${PROJECT_BINARY_DIR}/velk32.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/velk32.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+set(docDir "${CMAKE_INSTALL_DATADIR}/doc/velk32")
+install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md DESTINATION "${docDir}")
+install(DIRECTORY docs/ DESTINATION "${docDir}/docs")
+install(DIRECTORY examples/ DESTINATION "${docDir}/examples" REGEX "examples/CMakeLists\\.txt$" EXCLUDE)

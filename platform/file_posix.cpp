@@ -1,0 +1,495 @@
+#include "platform/file.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+static_assert(sizeof(off_t) == 8, "files over 2 GiB need 64-bit offsets");
+
+// A new file bears this and ten characters of that as its name until it is complete. The process that
+// writes it holds it locked; one that nobody holds locked was left by a process that died.
+constexpr char NewFilePrefix[] = ".velk-save-";
+constexpr char NewFileAlphabet[] = "abcdefghijklmnopqrstuvwxyz012345";
+constexpr size_t NewFilePrefixLength = sizeof NewFilePrefix - 1;
+constexpr size_t NewFileLength = NewFilePrefixLength + 10;
+constexpr int NewFileAttempts = 100;
+
+constexpr int MostLinks = 40;
+constexpr mode_t PermissionBits = 0777;
+
+// The file that is to be replaced: `name` in `directory`, with what is known of an existing one.
+struct Target {
+    int directory;
+    const char *name;
+    bool exists;
+    struct stat old;
+};
+
+struct NewFile {
+    int handle;
+    char name[NewFileLength + 1];
+};
+
+static FileStatus Status_FromError(int error)
+{
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+        return FileMissing;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return FileDenied;
+    default:
+        return FileFailed;
+    }
+}
+
+static int Handle_OpenAt(int directory, const char *path, int flags, mode_t mode)
+{
+    int handle;
+    do {
+        handle = openat(directory, path, flags | O_CLOEXEC | O_NOCTTY, mode);
+    } while (handle < 0 && errno == EINTR);
+    return handle;
+}
+
+static int Handle_Open(const char *path, int flags)
+{
+    return Handle_OpenAt(AT_FDCWD, path, flags, 0);
+}
+
+static FileStatus Handle_Write(int handle, const void *bytes, size_t size)
+{
+    const auto *at = static_cast<const char *>(bytes);
+    while (size > 0) {
+        const ssize_t written = write(handle, at, size);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return Status_FromError(errno);
+        at += written;
+        size -= static_cast<size_t>(written);
+    }
+    return FileDone;
+}
+
+// EINVAL: this kind of file has nothing to flush to.
+static FileStatus Handle_Flush(int handle)
+{
+    int result;
+    do {
+        result = fsync(handle);
+    } while (result < 0 && errno == EINTR);
+    return result == 0 || errno == EINVAL ? FileDone : Status_FromError(errno);
+}
+
+static bool Handle_Lock(int handle)
+{
+    int result;
+    do {
+        result = flock(handle, LOCK_EX | LOCK_NB);
+    } while (result < 0 && errno == EINTR);
+    return result == 0;
+}
+
+// Whether an open file is still the one of that name in the directory.
+static bool Handle_IsNamed(int handle, int directory, const char *name)
+{
+    struct stat own;
+    struct stat named;
+    return fstat(handle, &own) == 0 && fstatat(directory, name, &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+           own.st_dev == named.st_dev && own.st_ino == named.st_ino;
+}
+
+static FileStatus File_Open(const char *path, int flags, File *file)
+{
+    const int handle = Handle_Open(path, flags);
+    if (handle < 0)
+        return Status_FromError(errno);
+    file->handle = handle;
+    return FileDone;
+}
+
+static int File_Handle(File file)
+{
+    return static_cast<int>(file.handle);
+}
+
+// What a symbolic link says, in a block of its own; null if the path is no link, or there is nothing.
+static FileStatus Link_Read(const char *path, char **link)
+{
+    *link = nullptr;
+    char *text = nullptr;
+    for (size_t size = 256;; size *= 2) {
+        auto *grown = static_cast<char *>(realloc(text, size));
+        if (grown == nullptr) {
+            free(text);
+            return FileFailed;
+        }
+        text = grown;
+        const ssize_t length = readlink(path, text, size);
+        if (length < 0) {
+            const int reason = errno;
+            free(text);
+            return reason == EINVAL || reason == ENOENT ? FileDone : Status_FromError(reason);
+        }
+        if (static_cast<size_t>(length) < size) {
+            text[length] = '\0';
+            *link = text;
+            return FileDone;
+        }
+    }
+}
+
+// The bytes of a path up to its last separator and with it.
+static size_t Path_DirectoryLength(const char *path)
+{
+    const char *separator = strrchr(path, '/');
+    return separator == nullptr ? 0 : static_cast<size_t>(separator - path) + 1;
+}
+
+// The first `length` bytes of a path and another behind them, in a block of its own, or null.
+static char *Path_Join(const char *path, size_t length, const char *more)
+{
+    const size_t moreSize = strlen(more) + 1;
+    auto *joined = static_cast<char *>(malloc(length + moreSize));
+    if (joined == nullptr)
+        return nullptr;
+    memcpy(joined, path, length);
+    memcpy(joined + length, more, moreSize);
+    return joined;
+}
+
+// Follows the links that a path ends in to a name that is no link, there or not: a rename over the
+// path itself would replace the link. Receives the path in a block of its own.
+static FileStatus Path_Resolve(const char *path, char **resolved)
+{
+    FileStatus status = FileFailed;
+    char *place = Path_Join("", 0, path);
+    for (int links = 0; place != nullptr && links <= MostLinks; ++links) {
+        char *link;
+        status = Link_Read(place, &link);
+        if (status != FileDone)
+            break;
+        if (link == nullptr) {
+            *resolved = place;
+            return FileDone;
+        }
+        status = FileFailed; // too many links, or no memory for the next path
+        char *next = Path_Join(place, *link == '/' ? 0 : Path_DirectoryLength(place), link);
+        free(link);
+        free(place);
+        place = next;
+    }
+    free(place);
+    return status;
+}
+
+static int Directory_OpenOf(char *path)
+{
+    const size_t length = Path_DirectoryLength(path);
+    if (length == 0)
+        return Handle_Open(".", O_PATH | O_DIRECTORY);
+    const char first = path[length];
+    path[length] = 0;
+    const int directory = Handle_Open(path, O_PATH | O_DIRECTORY);
+    path[length] = first;
+    return directory;
+}
+
+static bool Name_IsOfNewFile(const char *name)
+{
+    return strlen(name) == NewFileLength && memcmp(name, NewFilePrefix, NewFilePrefixLength) == 0 &&
+           strspn(name + NewFilePrefixLength, NewFileAlphabet) == NewFileLength - NewFilePrefixLength;
+}
+
+static void Directory_RemoveIfDead(int directory, const char *name)
+{
+    struct stat found;
+    if (fstatat(directory, name, &found, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(found.st_mode))
+        return;
+    int handle = Handle_OpenAt(directory, name, O_WRONLY | O_NOFOLLOW | O_NONBLOCK, 0);
+    if (handle < 0) // one that already has the permission bits of a file not to be written
+        handle = Handle_OpenAt(directory, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0);
+    if (handle < 0)
+        return;
+    if (Handle_Lock(handle) && Handle_IsNamed(handle, directory, name))
+        unlinkat(directory, name, 0);
+    close(handle);
+}
+
+// Removes what dead processes left. A directory that can't be listed stays as it is.
+static void Target_Sweep(const Target &target)
+{
+    const int handle = Handle_OpenAt(target.directory, ".", O_RDONLY | O_DIRECTORY, 0);
+    if (handle < 0)
+        return;
+    DIR *list = fdopendir(handle);
+    if (list == nullptr) {
+        close(handle);
+        return;
+    }
+    for (const dirent *entry = readdir(list); entry != nullptr; entry = readdir(list))
+        if (Name_IsOfNewFile(entry->d_name) && strcmp(entry->d_name, target.name) != 0)
+            Directory_RemoveIfDead(target.directory, entry->d_name);
+    closedir(list);
+}
+
+// The name need not be hard to guess, for the file is made exclusively: only rarely taken.
+static void NewFile_Name(NewFile *file, int attempt)
+{
+    timespec now;
+    clock_gettime(CLOCK_REALTIME, &now);
+    uint64_t number = static_cast<uint64_t>(now.tv_sec) * 1000000000 + static_cast<uint64_t>(now.tv_nsec);
+    number = (number + static_cast<uint64_t>(attempt)) * 0x9E3779B97F4A7C15 ^ static_cast<uint64_t>(getpid())
+                                                                                  << 40;
+    memcpy(file->name, NewFilePrefix, NewFilePrefixLength);
+    for (size_t at = NewFilePrefixLength; at < NewFileLength; ++at) {
+        file->name[at] = NewFileAlphabet[number >> 59];
+        number <<= 5;
+    }
+    file->name[NewFileLength] = 0;
+}
+
+// Makes an empty file and locks it. Between the two another process may take it for a dead one's and
+// remove it: the lock counts only while the file still has its name. A file system without locks
+// has no process that removes either.
+static FileStatus NewFile_Make(const Target &target, NewFile *file)
+{
+    const mode_t mode = target.exists ? 0600 : 0666;
+    for (int attempt = 0; attempt < NewFileAttempts; ++attempt) {
+        NewFile_Name(file, attempt);
+        file->handle =
+            Handle_OpenAt(target.directory, file->name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
+        if (file->handle < 0 && errno == EEXIST)
+            continue;
+        if (file->handle < 0)
+            return Status_FromError(errno);
+        const bool isLocked = Handle_Lock(file->handle) || errno != EWOULDBLOCK;
+        if (isLocked && Handle_IsNamed(file->handle, target.directory, file->name))
+            return FileDone;
+        close(file->handle);
+    }
+    return FileFailed;
+}
+
+// Only some processes may give a file away; what others make stays theirs.
+static void NewFile_TakeOwner(const NewFile &file, const struct stat &old)
+{
+    if (fchown(file.handle, old.st_uid, old.st_gid) == 0)
+        return;
+    if (fchown(file.handle, static_cast<uid_t>(-1), old.st_gid) != 0)
+        return; // neither: the file is the process's own
+}
+
+// The owner comes first, because a change of owner may cut permission bits.
+static FileStatus NewFile_TakeAttributes(const NewFile &file, const struct stat &old)
+{
+    NewFile_TakeOwner(file, old);
+    return fchmod(file.handle, old.st_mode & PermissionBits) == 0 ? FileDone : Status_FromError(errno);
+}
+
+static FileStatus NewFile_Complete(const NewFile &file, const Target &target, const void *bytes, size_t size)
+{
+    FileStatus status = Handle_Write(file.handle, bytes, size);
+    if (status == FileDone && target.exists)
+        status = NewFile_TakeAttributes(file, target.old);
+    if (status == FileDone)
+        status = Handle_Flush(file.handle);
+    if (status == FileDone && renameat(target.directory, file.name, target.directory, target.name) != 0)
+        status = Status_FromError(errno);
+    return status;
+}
+
+static void Target_FlushDirectory(const Target &target)
+{
+    const int handle = Handle_OpenAt(target.directory, ".", O_RDONLY | O_DIRECTORY, 0);
+    if (handle < 0)
+        return;
+    Handle_Flush(handle);
+    close(handle);
+}
+
+static FileStatus Target_Replace(const Target &target, const void *bytes, size_t size)
+{
+    Target_Sweep(target);
+    NewFile file;
+    FileStatus status = NewFile_Make(target, &file);
+    if (status != FileDone)
+        return status;
+    status = NewFile_Complete(file, target, bytes, size);
+    if (status == FileDone)
+        Target_FlushDirectory(target);
+    if (status != FileDone)
+        unlinkat(target.directory, file.name, 0);
+    close(file.handle);
+    return status;
+}
+
+// The old file is looked at by its name in the directory: another save may just have replaced the
+// one that was opened. None there means a path of the kind that the system makes up for an open file,
+// which leads elsewhere than it says.
+static FileStatus Directory_Replace(int directory, const char *name, bool exists, const void *bytes,
+                                    size_t size)
+{
+    Target target = {directory, name, exists, {}};
+    if (exists &&
+        (fstatat(directory, name, &target.old, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(target.old.st_mode)))
+        return FileFailed;
+    return Target_Replace(target, bytes, size);
+}
+
+static FileStatus Path_Replace(const char *path, bool exists, const void *bytes, size_t size)
+{
+    char *resolved = nullptr;
+    FileStatus status = Path_Resolve(path, &resolved);
+    if (status != FileDone)
+        return status;
+
+    const int directory = Directory_OpenOf(resolved);
+    if (directory < 0)
+        status = Status_FromError(errno);
+    if (directory >= 0) {
+        status = Directory_Replace(directory, resolved + Path_DirectoryLength(resolved), exists, bytes, size);
+        close(directory);
+    }
+    free(resolved);
+    return status;
+}
+
+// In a block of its own, or null.
+static char *Path_OfWorkingDirectory()
+{
+    char *path = nullptr;
+    for (size_t size = 256;; size *= 2) {
+        auto *grown = static_cast<char *>(realloc(path, size));
+        if (grown != nullptr && getcwd(grown, size) != nullptr)
+            return grown;
+        const bool isTooSmall = grown != nullptr && errno == ERANGE;
+        path = grown != nullptr ? grown : path;
+        if (!isTooSmall) {
+            free(path);
+            return nullptr;
+        }
+    }
+}
+
+static char *Path_InDirectory(const char *directory, const char *name)
+{
+    char *start = Path_Join(directory, strlen(directory), "/");
+    if (start == nullptr)
+        return nullptr;
+    char *path = Path_Join(start, strlen(start), name);
+    free(start);
+    return path;
+}
+
+char *File_AbsolutePath(const char *directory, const char *name)
+{
+    if (*name == '/')
+        return Path_Join("", 0, name);
+    if (*directory == '/')
+        return Path_InDirectory(directory, name);
+    char *working = Path_OfWorkingDirectory();
+    if (working == nullptr)
+        return nullptr;
+    char *absolute = Path_InDirectory(working, directory);
+    free(working);
+    if (absolute == nullptr)
+        return nullptr;
+    char *path = Path_InDirectory(absolute, name);
+    free(absolute);
+    return path;
+}
+
+FileStatus File_OpenToRead(const char *path, File *file)
+{
+    return File_Open(path, O_RDONLY, file);
+}
+
+FileStatus File_OpenToChange(const char *path, File *file)
+{
+    return File_Open(path, O_RDWR, file);
+}
+
+void File_Close(File file)
+{
+    close(File_Handle(file));
+}
+
+int64_t File_Size(File file)
+{
+    struct stat found;
+    if (fstat(File_Handle(file), &found) != 0)
+        return -1;
+    return S_ISREG(found.st_mode) ? found.st_size : 0;
+}
+
+int64_t File_ReadNext(File file, void *buffer, size_t size)
+{
+    ssize_t got;
+    do {
+        got = read(File_Handle(file), buffer, size);
+    } while (got < 0 && errno == EINTR);
+    return got;
+}
+
+int64_t File_ReadAt(File file, uint64_t offset, void *buffer, size_t size)
+{
+    size_t done = 0;
+    while (done < size) {
+        const ssize_t got = pread(File_Handle(file), static_cast<char *>(buffer) + done, size - done,
+                                  static_cast<off_t>(offset + done));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return -1;
+        if (got == 0)
+            break;
+        done += static_cast<size_t>(got);
+    }
+    return static_cast<int64_t>(done);
+}
+
+FileStatus File_WriteAt(File file, uint64_t offset, const void *bytes, size_t size)
+{
+    size_t done = 0;
+    while (done < size) {
+        const ssize_t written = pwrite(File_Handle(file), static_cast<const char *>(bytes) + done,
+                                       size - done, static_cast<off_t>(offset + done));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return Status_FromError(errno);
+        done += static_cast<size_t>(written);
+    }
+    return FileDone;
+}
+
+FileStatus File_Flush(File file)
+{
+    return Handle_Flush(File_Handle(file));
+}
+
+FileStatus File_Replace(const char *path, const void *bytes, size_t size)
+{
+    const int handle = Handle_Open(path, O_WRONLY);
+    if (handle < 0)
+        return errno == ENOENT ? Path_Replace(path, false, bytes, size) : Status_FromError(errno);
+
+    struct stat old;
+    FileStatus status = fstat(handle, &old) == 0 ? FileDone : FileFailed;
+    const bool isInPlace = status == FileDone && !S_ISREG(old.st_mode);
+    if (isInPlace)
+        status = Handle_Write(handle, bytes, size);
+    close(handle);
+    return isInPlace || status != FileDone ? status : Path_Replace(path, true, bytes, size);
+}

@@ -1,0 +1,167 @@
+#include "platform/profile.h"
+
+#include "platform/profile_store.h"
+
+#include <cstring>
+
+static const Record *Section_Find(const Profile *profile, const char *section)
+{
+    const uint32_t record = Profile_Find(profile, 0, section);
+    return record == 0 ? nullptr : Profile_Record(profile, record);
+}
+
+static const Record *Item_Find(const Profile *profile, const char *section, const char *item)
+{
+    const Record *owner = Section_Find(profile, section);
+    if (owner == nullptr)
+        return nullptr;
+    const uint32_t record = Profile_Find(profile, owner->section, item);
+    return record == 0 ? nullptr : Profile_Record(profile, record);
+}
+
+static const Record *Item_Nth(const Profile *profile, const char *section, int32_t n)
+{
+    const Record *owner = Section_Find(profile, section);
+    if (owner == nullptr)
+        return nullptr;
+    const Section *found = Profile_Section(profile, owner->section);
+    if (n < 1 || static_cast<uint32_t>(n) > found->count)
+        return nullptr;
+    return Section_Item(profile, found, static_cast<uint32_t>(n));
+}
+
+Profile *IniNew(int32_t)
+{
+    auto *profile = static_cast<Profile *>(calloc(1, sizeof(Profile)));
+    if (profile == nullptr)
+        return nullptr;
+    if (!Profile_Prepare(profile)) {
+        IniDispose(profile);
+        return nullptr;
+    }
+    return profile;
+}
+
+void IniDispose(Profile *profile)
+{
+    Profile_Release(profile);
+    free(profile);
+}
+
+void IniSetDuplicateChecking(Profile *profile, int32_t on)
+{
+    profile->keepsDuplicates = on == 0;
+}
+
+void IniSortSectionList(Profile *)
+{
+}
+
+void IniSortSection(Profile *, const char *)
+{
+}
+
+int32_t IniNthSectionName(Profile *profile, int32_t n, char **name)
+{
+    if (n < 1 || static_cast<size_t>(n) > profile->sections.count)
+        return 0;
+    const uint32_t record = Profile_Section(profile, static_cast<uint32_t>(n))->record;
+    *name = Profile_Record(profile, record)->name;
+    return 1;
+}
+
+int32_t IniNumberOfItems(Profile *profile, const char *section)
+{
+    const Record *found = Section_Find(profile, section);
+    return found == nullptr ? 0 : static_cast<int32_t>(Profile_Section(profile, found->section)->count);
+}
+
+int32_t IniNthItemName(Profile *profile, const char *section, int32_t n, char **name)
+{
+    const Record *item = Item_Nth(profile, section, n);
+    if (item == nullptr)
+        return 0;
+    *name = item->name;
+    return 1;
+}
+
+int32_t IniNthItemPointerToString(Profile *profile, const char *section, int32_t n, char **value)
+{
+    const Record *item = Item_Nth(profile, section, n);
+    if (item == nullptr)
+        return 0;
+    *value = item->value;
+    return 1;
+}
+
+int32_t IniGetPointerToString(Profile *profile, const char *section, const char *item, char **value)
+{
+    const Record *found = Item_Find(profile, section, item);
+    if (found == nullptr)
+        return 0;
+    *value = found->value;
+    return 1;
+}
+
+int32_t IniGetStringIntoBuffer(Profile *profile, const char *section, const char *item, char *buffer,
+                               int32_t size)
+{
+    const Record *found = Item_Find(profile, section, item);
+    if (found == nullptr)
+        return 0;
+    const size_t needed = strlen(found->value) + 1;
+    if (size < 0 || needed > static_cast<size_t>(size))
+        return 0;
+    memcpy(buffer, found->value, needed);
+    return 1;
+}
+
+// What can fail comes first: with room reserved, and in a section that is new, nothing else can.
+int32_t IniPutString(Profile *profile, const char *section, const char *item, const char *value)
+{
+    if (!Profile_ReservePut(profile))
+        return -1;
+    const uint32_t owner = Profile_FindExactly(profile, 0, section);
+    uint32_t number = owner == 0 ? 0 : Profile_Record(profile, owner)->section;
+    const uint32_t first = owner == 0 ? 0 : Profile_FindExactly(profile, number, item);
+
+    char *valueText = Profile_CopyText(profile, value);
+    char *itemText = first != 0 && !profile->keepsDuplicates ? Profile_Record(profile, first)->name
+                                                             : Profile_CopyText(profile, item);
+    if (valueText == nullptr || itemText == nullptr)
+        return -1;
+    if (number == 0) {
+        char *sectionText = Profile_CopyText(profile, section);
+        if (sectionText == nullptr)
+            return -1;
+        number = Profile_OpenSection(profile, sectionText, strlen(section), 0);
+    }
+    return Profile_AddItem(profile, {itemText, valueText, number, 0}, strlen(item)) ? 0 : -1;
+}
+
+int32_t IniSectionExists(Profile *profile, const char *section)
+{
+    return Section_Find(profile, section) != nullptr ? 1 : 0;
+}
+
+int32_t IniItemExists(Profile *profile, const char *section, const char *item)
+{
+    return Item_Find(profile, section, item) != nullptr ? 1 : 0;
+}
+
+int32_t IniFailedLine(const Profile *profile)
+{
+    return profile->failedLine;
+}
+
+int32_t IniSectionLine(Profile *profile, const char *section)
+{
+    const Record *found = Section_Find(profile, section);
+    return found == nullptr ? 0 : found->line;
+}
+
+int32_t IniNthItemLine(Profile *profile, const char *section, int32_t n)
+{
+    const Record *item = Item_Nth(profile, section, n);
+    return item == nullptr ? 0 : item->line;
+}

@@ -1,0 +1,114 @@
+#include "tests/support/allocations.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+
+namespace
+{
+
+constexpr int64_t never = INT64_MAX;
+
+// New blocks are filled, so that nobody comes to rely on zeros; huge ones at their start only, so that
+// a test may ask for much and use little.
+constexpr size_t filledBytes = 65536;
+
+std::atomic<int64_t> liveBlocks;
+std::atomic<int64_t> calls;
+std::atomic<int64_t> firstFailing{never}; // of `calls`
+std::atomic<int64_t> lastFailing{never};
+std::atomic<bool> fired;
+
+bool Refuse()
+{
+    const int64_t call = ++calls;
+    if (call < firstFailing || call > lastFailing)
+        return false;
+    fired = true;
+    errno = ENOMEM;
+    return true;
+}
+
+void *Counted(void *block)
+{
+    if (block != nullptr)
+        ++liveBlocks;
+    return block;
+}
+
+} // namespace
+
+// What the linker puts in the place of the functions that they are named after.
+extern "C" {
+
+void *__wrap_malloc(size_t size)
+{
+    if (Refuse())
+        return nullptr;
+    void *block = Counted(malloc(size));
+    if (block != nullptr)
+        memset(block, 0xA5, std::min(size, filledBytes));
+    return block;
+}
+
+void *__wrap_calloc(size_t count, size_t size)
+{
+    return Refuse() ? nullptr : Counted(calloc(count, size));
+}
+
+void *__wrap_realloc(void *block, size_t size)
+{
+    if (Refuse())
+        return nullptr;
+    void *moved = realloc(block, size);
+    if (block == nullptr)
+        return Counted(moved);
+    if (size == 0 && moved == nullptr)
+        --liveBlocks;
+    return moved;
+}
+
+void __wrap_free(void *block)
+{
+    if (block != nullptr)
+        --liveBlocks;
+    free(block);
+}
+}
+
+int64_t LiveAllocations()
+{
+    return liveBlocks;
+}
+
+int64_t AllocationCalls()
+{
+    return calls;
+}
+
+FailNthAllocation::FailNthAllocation(int64_t nth)
+{
+    fired = false;
+    const int64_t call = calls + nth;
+    lastFailing = call;
+    firstFailing = call;
+}
+
+FailNthAllocation::~FailNthAllocation()
+{
+    firstFailing = never;
+    lastFailing = never;
+}
+
+bool FailNthAllocation::Fired() const
+{
+    return fired;
+}
+
+FailAllocationsFrom::FailAllocationsFrom(int64_t nth) : FailNthAllocation(nth)
+{
+    lastFailing = never;
+}

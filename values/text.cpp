@@ -1,0 +1,122 @@
+#include "values/text.h"
+
+#include <cstring>
+
+static bool IsSpace(char character)
+{
+    return character == ' ' || (character >= '\t' && character <= '\r');
+}
+
+const char *Text_SkipSpace(const char *text)
+{
+    while (text != nullptr && IsSpace(*text))
+        ++text;
+    return text;
+}
+
+char *Text_Trim(char *text)
+{
+    if (text == nullptr)
+        return nullptr;
+    const char *first = Text_SkipSpace(text);
+    size_t length = strlen(first);
+    while (length > 0 && IsSpace(first[length - 1]))
+        --length;
+    memmove(text, first, length);
+    text[length] = '\0';
+    return text;
+}
+
+static char LowerCase(char character)
+{
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A')) : character;
+}
+
+bool Text_EqualsIgnoringCase(const char *first, const char *second)
+{
+    while (*first != '\0' && LowerCase(*first) == LowerCase(*second)) {
+        ++first;
+        ++second;
+    }
+    return *first == *second;
+}
+
+static bool SeparatesNames(char character)
+{
+    return character == ',' || IsSpace(character);
+}
+
+char *Text_NextFileName(char *text, char **position)
+{
+    char *name = text != nullptr ? text : *position;
+    if (name == nullptr)
+        return nullptr;
+    while (SeparatesNames(*name))
+        ++name;
+
+    char *end = name;
+    while (*end != '\0' && !SeparatesNames(*end))
+        ++end;
+    *position = nullptr;
+    if (*end != '\0') {
+        *end = '\0';
+        *position = end + 1;
+    }
+    return name;
+}
+
+char *Text_NextPiece(char **position, const char *separators)
+{
+    char *piece = *position + strspn(*position, separators);
+    if (*piece == '\0')
+        return nullptr;
+    char *end = piece + strcspn(piece, separators);
+    *position = end;
+    if (*end != '\0') {
+        *end = '\0';
+        ++*position;
+    }
+    return piece;
+}
+
+// The value of a digit in any base up to 16; 16 for a character that is none.
+static uint32_t DigitValue(char character)
+{
+    if (character >= '0' && character <= '9')
+        return static_cast<uint32_t>(character - '0');
+    const char letter = LowerCase(character);
+    return letter >= 'a' && letter <= 'f' ? static_cast<uint32_t>(letter - 'a') + 10 : 16;
+}
+
+// Skips a prefix that the base allows and gives the base that it leads to.
+static uint32_t TakeBase(const char **text, int32_t base)
+{
+    const bool zero = **text == '0';
+    if (base != 10 && zero && LowerCase((*text)[1]) == 'x') {
+        *text += 2;
+        return 16;
+    }
+    if (base == 0)
+        return zero ? 8 : 10;
+    return static_cast<uint32_t>(base);
+}
+
+StatusCode Number_Parse(const char *text, int32_t base, uint32_t *value)
+{
+    text = Text_SkipSpace(text);
+    const bool negative = *text == '-';
+    if (*text == '-' || *text == '+')
+        ++text;
+
+    const uint32_t radix = TakeBase(&text, base);
+    const char *digits = text;
+    uint64_t number = 0;
+    for (; DigitValue(*text) < radix; ++text) {
+        number = number * radix + DigitValue(*text);
+        if (number > UINT32_MAX)
+            number = UINT32_MAX;
+    }
+    const auto word = static_cast<uint32_t>(number);
+    *value = negative ? 0 - word : word;
+    return text == digits ? -1 : 0;
+}

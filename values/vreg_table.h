@@ -1,0 +1,59 @@
+// The register table: what the library needs of it beyond its exports.
+#ifndef VELK_VALUES_VREG_TABLE_H
+#define VELK_VALUES_VREG_TABLE_H
+
+#include "velk32.h"
+
+// The kind nibble of an id, and its two values that stand for a payload, a reference to a block that
+// the table owns.
+constexpr uint32_t VRegKindMask = 0x0F000000;
+constexpr uint32_t VRegStringNibble = 0x0B000000;
+constexpr uint32_t VRegListNibble = 0x0F000000;
+
+constexpr bool VReg_HasPayload(uint32_t id)
+{
+    const uint32_t nibble = id & VRegKindMask;
+    return nibble == VRegStringNibble || nibble == VRegListNibble;
+}
+
+// A load from a save file skips such a register.
+constexpr bool VReg_IsInternal(uint32_t id)
+{
+    return (id & 0xF0000000) == 0xF0000000;
+}
+
+inline List *Word_AsList(VelkWord word)
+{
+    return reinterpret_cast<List *>(word);
+}
+
+inline char *Word_AsString(VelkWord word)
+{
+    return reinterpret_cast<char *>(word);
+}
+
+inline VelkWord Word_Of(const void *reference)
+{
+    return reinterpret_cast<VelkWord>(reference);
+}
+
+// The ValueKind of a register, or -17 with `kind` unwritten.
+StatusCode VReg_GetKind(uint32_t id, int32_t *kind);
+
+// A copy of the payload `value` of a register of this id; 0 for null, and when memory runs out.
+VelkWord VReg_CopyPayload(uint32_t id, VelkWord value);
+
+// Releases the payload `value` of a register of this id; for a number, and for null, nothing.
+void VReg_ReleasePayload(uint32_t id, VelkWord value);
+
+// The slots in use; 0 for a null table.
+uint32_t VRegTable_Count(const VRegTable *table);
+
+// A copy of the header and the slots in use, payloads included, in a block of just that size; null
+// when memory runs out, for a payload too. The snapshot of a set.
+VRegTable *VRegTable_CopyNew(const VRegTable *table);
+
+// Puts a table back to its snapshot, which is used up: its payloads move. Needs no memory.
+void VRegTable_Restore(VRegTable *table, VRegTable *snapshot);
+
+#endif
