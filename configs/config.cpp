@@ -134,7 +134,8 @@ StatusCode Config_ReplacePayload(Config *config, uint32_t id, int32_t instance, 
     // The room to remember the old payload is had before the new one is stored.
     RetiredPayload *retired = nullptr;
     if (config->run != nullptr && present != 0) {
-        retired = Memory_New<RetiredPayload>();
+        if (config->run->retiredSize <= MaxRetiredSize)
+            retired = Memory_New<RetiredPayload>();
         if (retired == nullptr)
             return StatusOutOfMemory;
     }
@@ -150,6 +151,7 @@ StatusCode Config_ReplacePayload(Config *config, uint32_t id, int32_t instance, 
     }
     *retired = {config->run->retired, id, present};
     config->run->retired = retired;
+    config->run->retiredSize += VReg_PayloadSize(id, present);
     return 0;
 }
 

@@ -5,6 +5,8 @@
 #include "options/option_def.h"
 #include "velk32.h"
 
+#include <cstddef>
+
 // A payload that a set has taken out of the table.
 struct RetiredPayload {
     RetiredPayload *next;
@@ -17,6 +19,7 @@ struct SetRun {
     // Payloads replaced by the set live until it has ended and its change list is compared: saved values
     // of dependants refer to them, and no new payload can come at the address of an old one unseen.
     RetiredPayload *retired;
+    size_t retiredSize;                   // of them together, in bytes
     uint32_t applications;                // of options, so far
     int32_t depth;                        // entries of `path` in use
     const OptionDef *path[MaxOptionPath]; // from the option that the client set down to the one being applied
@@ -34,6 +37,10 @@ void Config_TakeTable(Config *config, VRegTable *table);
 
 // Releases the table, whoever left it there.
 void Config_DropTable(Config *config);
+
+// Payloads that a set may keep: one that would be kept beyond this makes the set fail as when memory runs
+// out. Paths multiply where options meet again, so that a small definition could ask for all there is.
+constexpr size_t MaxRetiredSize = size_t{64} << 20;
 
 // Stores `payload` in the register of this id, which takes it over, and releases or retires `present`,
 // the register's payload so far. Gives 0, -1, -2 or -3; after a failure nothing has changed, and `payload`

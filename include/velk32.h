@@ -439,8 +439,8 @@ VELK_API StatusCode VELK_CALL VelkDataFromValidValueRef(Config *config, VelkVali
  *         cannot take or show a value, or the options that follow form a circle, a way of more than
  *         16, or more than 1,048,576 applications; -18 a rule, get method or binding mixes kinds; -16
  *         a rule offers two or more lists; -3 a register is missing; -1 out of memory, or a string or
- *         list option that follows holds none where any would be valid. After a failure the registers
- *         are as they were.
+ *         list option that follows holds none where any would be valid, or the set replaces strings and
+ *         lists of more than 64 MiB together. After a failure the registers are as they were.
  */
 VELK_API StatusCode VELK_CALL VelkSetOption(Config *config, const char *name, uint32_t value);
 

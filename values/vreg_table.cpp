@@ -108,6 +108,16 @@ VRegTable *VRegTable_CopyNew(const VRegTable *table)
     return copy;
 }
 
+size_t VReg_PayloadSize(uint32_t id, VelkWord value)
+{
+    if (value == 0)
+        return 0;
+    if ((id & VRegKindMask) == VRegStringNibble)
+        return strlen(Word_AsString(value)) + 1;
+    const int32_t count = Word_AsList(value)->count;
+    return count < 1 ? 0 : static_cast<size_t>(count) * sizeof(uint32_t);
+}
+
 void VReg_ReleasePayload(uint32_t id, VelkWord value)
 {
     if (value == 0)

@@ -4,6 +4,8 @@
 
 #include "velk32.h"
 
+#include <cstddef>
+
 // The kind nibble of an id, and its two values that stand for a payload, a reference to a block that
 // the table owns.
 constexpr uint32_t VRegKindMask = 0x0F000000;
@@ -42,6 +44,9 @@ StatusCode VReg_GetKind(uint32_t id, int32_t *kind);
 
 // A copy of the payload `value` of a register of this id; 0 for null, and when memory runs out.
 VelkWord VReg_CopyPayload(uint32_t id, VelkWord value);
+
+// The bytes of the payload `value` of a register of this id; 0 for null.
+size_t VReg_PayloadSize(uint32_t id, VelkWord value);
 
 // Releases the payload `value` of a register of this id; for a number, and for null, nothing.
 void VReg_ReleasePayload(uint32_t id, VelkWord value);

@@ -61,6 +61,8 @@ static StatusCode ImageSession_Read(ImageSession *session, File image)
     if (status < 0)
         return status;
     const size_t span = session->map->span;
+    if (span >= SIZE_MAX / 2) // a write takes room for two boards
+        return StatusOutOfMemory;
     session->bytes = static_cast<uint8_t *>(malloc(span + 1));
     if (session->bytes == nullptr)
         return StatusOutOfMemory;
@@ -147,7 +149,9 @@ static StatusCode ImageSession_Store(const ImageSession *session, const BoardUpd
     StatusCode status = OpenStatus_ToStatus(File_OpenToChange(session->map->path, &image));
     if (status < 0)
         return status;
-    status = BoardUpdate_Write(update, image, session->start);
+    status = Image_FindBoard(image, session->start, session->map->stride); // it may have shrunk since
+    if (status == 0)
+        status = BoardUpdate_Write(update, image, session->start);
     if (status == 0)
         status = BoardUpdate_Verify(update, image, session->start);
     File_Close(image);
