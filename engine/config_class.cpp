@@ -26,7 +26,7 @@ static bool Accessor_ResolveMandatory(Accessor *accessor)
            Resolve(module, "Cfg_Read", &accessor->read) && Resolve(module, "Cfg_Write", &accessor->write);
 }
 
-// A failure leaves the module to ConfigClass_Delete.
+// A failure leaves the module to ConfigClass_Open.
 static StatusCode ConfigClass_LoadAccessor(ConfigClass *configClass, Profile *catalogue)
 {
     Accessor *accessor = &configClass->accessor;
