@@ -151,7 +151,7 @@ StatusCode Config_ReplacePayload(Config *config, uint32_t id, int32_t instance, 
     }
     *retired = {config->run->retired, id, present};
     config->run->retired = retired;
-    config->run->retiredSize += VReg_PayloadSize(id, present);
+    config->run->retiredSize += sizeof *retired + VReg_PayloadSize(id, present);
     return 0;
 }
 

@@ -14,6 +14,11 @@ struct RetiredPayload {
     VelkWord value;
 };
 
+// Once a set keeps more bytes of replaced payloads than this, the next one to be replaced makes it fail as
+// when memory runs out. Paths multiply where options meet again, so that a small definition could ask for
+// all there is.
+constexpr size_t MaxRetiredSize = size_t{64} << 20;
+
 // What one exported set has under way.
 struct SetRun {
     // Payloads replaced by the set live until it has ended and its change list is compared: saved values
@@ -35,12 +40,8 @@ struct Config {
 // Takes over a table in place of the present one, and marks the configuration as loaded.
 void Config_TakeTable(Config *config, VRegTable *table);
 
-// Releases the table, whoever left it there.
+// Releases the table, loaded or left by a failed read; the configuration is not loaded then.
 void Config_DropTable(Config *config);
-
-// Payloads that a set may keep: one that would be kept beyond this makes the set fail as when memory runs
-// out. Paths multiply where options meet again, so that a small definition could ask for all there is.
-constexpr size_t MaxRetiredSize = size_t{64} << 20;
 
 // Stores `payload` in the register of this id, which takes it over, and releases or retires `present`,
 // the register's payload so far. Gives 0, -1, -2 or -3; after a failure nothing has changed, and `payload`

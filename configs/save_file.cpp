@@ -21,7 +21,7 @@ constexpr size_t ElementTextSize = sizeof "0xFFFFFFFF, " - 1;
 // The text of a list, in a block of its own; null when memory runs out.
 static char *ComposeList(const List *list)
 {
-    const size_t count = list->count < 1 ? 0 : static_cast<size_t>(list->count);
+    const size_t count = List_Length(list);
     if (count > (SIZE_MAX - 1) / ElementTextSize)
         return nullptr;
     auto *text = static_cast<char *>(malloc(count * ElementTextSize + 1));

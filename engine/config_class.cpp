@@ -2,6 +2,7 @@
 
 #include "keys/key_def.h"
 #include "options/option_def.h"
+#include "platform/file.h"
 #include "values/memory.h"
 #include "values/number_list.h"
 #include "values/text.h"
@@ -52,7 +53,7 @@ static StatusCode LoadFiles(ConfigClass *configClass, char *list, FileLoader loa
     char *position = nullptr;
     for (const char *name = Text_NextFileName(list, &position); name != nullptr;
          name = Text_NextFileName(nullptr, &position)) {
-        char *path = Path_Compose(configClass->engine->directory, name);
+        char *path = File_PathIn(configClass->engine->directory, name);
         if (path == nullptr)
             return StatusOutOfMemory;
         const StatusCode status = load(configClass, path, numbersLeft);

@@ -1,4 +1,4 @@
-// The configuration class: one kind of board, loaded once an engine by its first configuration.
+// The configuration class: one kind of board, loaded once per engine, by its first configuration.
 #ifndef VELK_ENGINE_CONFIG_CLASS_H
 #define VELK_ENGINE_CONFIG_CLASS_H
 

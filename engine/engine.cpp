@@ -2,24 +2,11 @@
 
 #include "configs/config.h"
 #include "engine/config_class.h"
-#include "platform/module.h"
+#include "platform/file.h"
 #include "values/memory.h"
 
 #include <cstdio>
 #include <cstring>
-
-char *Path_Compose(const char *directory, const char *file)
-{
-    const size_t length = strlen(directory);
-    const size_t size = strlen(file) + 1;
-    auto *path = static_cast<char *>(malloc(length + 1 + size));
-    if (path == nullptr)
-        return nullptr;
-    memcpy(path, directory, length);
-    path[length] = PathSeparator;
-    memcpy(path + length + 1, file, size);
-    return path;
-}
 
 // Releases an engine without classes, complete or not.
 static void Engine_Delete(ConfigEngine *engine)
@@ -32,7 +19,7 @@ static void Engine_Delete(ConfigEngine *engine)
 
 static StatusCode Engine_ReadCatalogue(ConfigEngine *engine)
 {
-    char *path = Path_Compose(engine->directory, "CfgClass.ini");
+    char *path = File_PathIn(engine->directory, "CfgClass.ini");
     if (path == nullptr)
         return StatusEngineOutOfMemory;
     const int32_t result = IniReadFromFile(engine->catalogue, path);

@@ -11,8 +11,4 @@ struct ConfigEngine {
     Profile *catalogue;   // "CfgClass.ini" as it was when the engine was opened
 };
 
-// Composes the path of a file in a directory, in a block of its own that the caller frees; null when
-// memory runs out.
-char *Path_Compose(const char *directory, const char *file);
-
 #endif

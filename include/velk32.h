@@ -289,7 +289,7 @@ VELK_API StatusCode VELK_CALL VelkLoadCurrentConfig(Config *config, uint32_t fir
 /**
  * Writes a configuration to the board. The configuration stays as it is, modified bits included.
  *
- * @return 0, or a positive warning or a failure of the accessor; -2 the configuration is not loaded
+ * @return 0; a positive warning or a failure of the accessor; -2 the configuration is not loaded
  */
 VELK_API StatusCode VELK_CALL VelkSaveCurrentConfig(Config *config, uint32_t first, uint32_t second);
 
@@ -439,8 +439,9 @@ VELK_API StatusCode VELK_CALL VelkDataFromValidValueRef(Config *config, VelkVali
  *         cannot take or show a value, or the options that follow form a circle, a way of more than
  *         16, or more than 1,048,576 applications; -18 a rule, get method or binding mixes kinds; -16
  *         a rule offers two or more lists; -3 a register is missing; -1 out of memory, or a string or
- *         list option that follows holds none where any would be valid, or the set replaces strings and
- *         lists of more than 64 MiB together. After a failure the registers are as they were.
+ *         list option that follows holds none where any would be valid, or the set would replace a
+ *         further string or list when it has replaced more than 64 MiB of them. After a failure the
+ *         registers are as they were.
  */
 VELK_API StatusCode VELK_CALL VelkSetOption(Config *config, const char *name, uint32_t value);
 

@@ -71,8 +71,8 @@ VELK_ACCESSOR_EXPORT StatusCode VELK_CALL Cfg_CloseSession(VelkWord session);
  * Reads the board. The place of the table is the start of `config`, and null at the call.
  *
  * @return 0: the place holds the new table, complete with its internal registers; else: handed to the
- *         client, whose configuration is then not loaded. A table left in the place is released when the
- *         next one comes or the configuration goes.
+ *         client, whose configuration is then not loaded. A table left in the place is released
+ *         ahead of the next Cfg_Read, when a file or a copy replaces it, or with the configuration.
  */
 VELK_ACCESSOR_EXPORT StatusCode VELK_CALL Cfg_Read(VelkWord session, Config *config);
 

@@ -3,7 +3,6 @@
 #include "configs/config.h"
 #include "engine/config_class.h"
 #include "keys/key_access.h"
-#include "values/vreg_table.h"
 
 #include <cstring>
 

@@ -25,8 +25,13 @@ FileStatus File_OpenToChange(const char *path, File *file);
 
 void File_Close(File file);
 
-// The size in bytes; 0 for what has none (a pipe, a file that the kernel makes up), negative on failure.
+// The size in bytes; 0 for what states none (a pipe, most files that the kernel makes up), negative on
+// failure.
 int64_t File_Size(File file);
+
+// The path of a file in a directory, in a block of its own that the caller frees; null when memory runs
+// out.
+char *File_PathIn(const char *directory, const char *name);
 
 // The absolute path of a file that is named relative to a directory, which may itself be relative to the
 // working directory; an absolute name stands as it is. In a block of its own that the caller frees; null

@@ -248,9 +248,9 @@ static void NewFile_Name(NewFile *file, int attempt)
 {
     timespec now;
     clock_gettime(CLOCK_REALTIME, &now);
+    const uint64_t process = static_cast<uint64_t>(getpid()) << 40;
     uint64_t number = static_cast<uint64_t>(now.tv_sec) * 1000000000 + static_cast<uint64_t>(now.tv_nsec);
-    number = (number + static_cast<uint64_t>(attempt)) * 0x9E3779B97F4A7C15 ^ static_cast<uint64_t>(getpid())
-                                                                                  << 40;
+    number = (number + static_cast<uint64_t>(attempt)) * 0x9E3779B97F4A7C15 ^ process;
     memcpy(file->name, NewFilePrefix, NewFilePrefixLength);
     for (size_t at = NewFilePrefixLength; at < NewFileLength; ++at) {
         file->name[at] = NewFileAlphabet[number >> 59];
@@ -281,19 +281,14 @@ static FileStatus NewFile_Make(const Target &target, NewFile *file)
     return FileFailed;
 }
 
-// Only some processes may give a file away; what others make stays theirs.
-static void NewFile_TakeOwner(const NewFile &file, const struct stat &old)
-{
-    if (fchown(file.handle, old.st_uid, old.st_gid) == 0)
-        return;
-    if (fchown(file.handle, static_cast<uid_t>(-1), old.st_gid) != 0)
-        return; // neither: the file is the process's own
-}
-
-// The owner comes first, because a change of owner may cut permission bits.
+// Only some processes may give a file away; what others make stays theirs. The owner comes first, because
+// a change of owner may cut permission bits.
 static FileStatus NewFile_TakeAttributes(const NewFile &file, const struct stat &old)
 {
-    NewFile_TakeOwner(file, old);
+    constexpr auto anyUser = static_cast<uid_t>(-1);
+    const bool isGiven =
+        fchown(file.handle, old.st_uid, old.st_gid) == 0 || fchown(file.handle, anyUser, old.st_gid) == 0;
+    static_cast<void>(isGiven);
     return fchmod(file.handle, old.st_mode & PermissionBits) == 0 ? FileDone : Status_FromError(errno);
 }
 
@@ -365,31 +360,35 @@ static FileStatus Path_Replace(const char *path, bool exists, const void *bytes,
     return status;
 }
 
+char *File_PathIn(const char *directory, const char *name)
+{
+    const size_t length = strlen(directory);
+    const size_t nameSize = strlen(name) + 1;
+    auto *path = static_cast<char *>(malloc(length + 1 + nameSize));
+    if (path == nullptr)
+        return nullptr;
+    memcpy(path, directory, length);
+    path[length] = '/';
+    memcpy(path + length + 1, name, nameSize);
+    return path;
+}
+
 // In a block of its own, or null.
 static char *Path_OfWorkingDirectory()
 {
     char *path = nullptr;
     for (size_t size = 256;; size *= 2) {
         auto *grown = static_cast<char *>(realloc(path, size));
-        if (grown != nullptr && getcwd(grown, size) != nullptr)
-            return grown;
-        const bool isTooSmall = grown != nullptr && errno == ERANGE;
-        path = grown != nullptr ? grown : path;
-        if (!isTooSmall) {
-            free(path);
-            return nullptr;
-        }
+        if (grown == nullptr)
+            break;
+        path = grown;
+        if (getcwd(path, size) != nullptr)
+            return path;
+        if (errno != ERANGE)
+            break;
     }
-}
-
-static char *Path_InDirectory(const char *directory, const char *name)
-{
-    char *start = Path_Join(directory, strlen(directory), "/");
-    if (start == nullptr)
-        return nullptr;
-    char *path = Path_Join(start, strlen(start), name);
-    free(start);
-    return path;
+    free(path);
+    return nullptr;
 }
 
 char *File_AbsolutePath(const char *directory, const char *name)
@@ -397,15 +396,15 @@ char *File_AbsolutePath(const char *directory, const char *name)
     if (*name == '/')
         return Path_Join("", 0, name);
     if (*directory == '/')
-        return Path_InDirectory(directory, name);
+        return File_PathIn(directory, name);
     char *working = Path_OfWorkingDirectory();
     if (working == nullptr)
         return nullptr;
-    char *absolute = Path_InDirectory(working, directory);
+    char *absolute = File_PathIn(working, directory);
     free(working);
     if (absolute == nullptr)
         return nullptr;
-    char *path = Path_InDirectory(absolute, name);
+    char *path = File_PathIn(absolute, name);
     free(absolute);
     return path;
 }

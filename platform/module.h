@@ -17,7 +17,4 @@ void *Module_Resolve(Module module, const char *entry);
 // Gives a reference back.
 void Module_Release(Module module);
 
-// What stands between a directory and a file name in a path.
-extern const char PathSeparator;
-
 #endif

@@ -6,8 +6,6 @@
 
 constexpr char ModuleSuffix[] = ".so";
 
-const char PathSeparator = '/';
-
 int32_t Module_Load(const char *name, Module *module)
 {
     *module = nullptr;

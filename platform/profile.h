@@ -59,8 +59,8 @@ int32_t IniGetStringIntoBuffer(Profile *profile, const char *section, const char
                                int32_t size);
 
 // Puts an item at the end of a section, which is made if it is new; with duplicate checking on, an item
-// of that name is replaced instead. The texts are copied. Gives 0, or
-// -1 when memory runs out, with the handle as it was.
+// of that name is replaced instead. The texts are copied. Gives 0, or -1 when memory runs out, with the
+// handle as it was.
 int32_t IniPutString(Profile *profile, const char *section, const char *item, const char *value);
 
 int32_t IniSectionExists(Profile *profile, const char *section);

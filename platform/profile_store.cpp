@@ -1,6 +1,5 @@
 #include "platform/profile_store.h"
 
-#include <algorithm>
 #include <bit>
 #include <cstring>
 

@@ -1,13 +1,8 @@
 #include "values/memory.h"
+#include "values/vreg_table.h"
 #include "velk32.h"
 
 #include <cstring>
-
-// Elements in use: a negative count counts as 0.
-static size_t List_Length(const List *list)
-{
-    return list->count < 1 ? 0 : static_cast<size_t>(list->count);
-}
 
 List *VELK_CALL List_New(int32_t capacity)
 {

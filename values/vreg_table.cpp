@@ -114,8 +114,7 @@ size_t VReg_PayloadSize(uint32_t id, VelkWord value)
         return 0;
     if ((id & VRegKindMask) == VRegStringNibble)
         return strlen(Word_AsString(value)) + 1;
-    const int32_t count = Word_AsList(value)->count;
-    return count < 1 ? 0 : static_cast<size_t>(count) * sizeof(uint32_t);
+    return sizeof(List) + List_Length(Word_AsList(value)) * sizeof(uint32_t);
 }
 
 void VReg_ReleasePayload(uint32_t id, VelkWord value)

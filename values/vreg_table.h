@@ -42,10 +42,18 @@ inline VelkWord Word_Of(const void *reference)
 // The ValueKind of a register, or -17 with `kind` unwritten.
 StatusCode VReg_GetKind(uint32_t id, int32_t *kind);
 
-// A copy of the payload `value` of a register of this id; 0 for null, and when memory runs out.
+// A copy of the payload `value` of a string or list register of this id; 0 for null, and when memory runs
+// out.
 VelkWord VReg_CopyPayload(uint32_t id, VelkWord value);
 
-// The bytes of the payload `value` of a register of this id; 0 for null.
+// Elements in use of a list.
+inline size_t List_Length(const List *list)
+{
+    return list->count < 1 ? 0 : static_cast<size_t>(list->count);
+}
+
+// The bytes of the payload `value` of a string or list register of this id, the record of a list included;
+// 0 for null.
 size_t VReg_PayloadSize(uint32_t id, VelkWord value);
 
 // Releases the payload `value` of a register of this id; for a number, and for null, nothing.
