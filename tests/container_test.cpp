@@ -1,8 +1,4 @@
 // Lists, strings and register tables.
-#include <string>
-
-#include <gtest/gtest.h>
-
 #include "tests/support/board.h"
 
 TEST(Containers, StayWholeWhenMemoryRunsOut)
@@ -12,12 +8,9 @@ TEST(Containers, StayWholeWhenMemoryRunsOut)
     EXPECT_TRUE(list->count == 0 && list->items[4] == 0 && bare->count == 0 && bare->items == nullptr);
     EXPECT_EQ(List_Append(list, 1) + List_Append(bare, 1), 0);
     char *text = String_CopyNew("abc");
-    {
-        const FailNthAllocation fail(2);
+    for (int64_t nth = 1; nth <= 2; ++nth) {
+        const FailAllocations fail(nth, INT32_MAX);
         EXPECT_EQ(List_New(4), nullptr);
-    }
-    {
-        const FailAllocationsFrom fail(1);
         EXPECT_EQ(List_Append(list, 2), -1);
         EXPECT_EQ(String_Append(text, "def"), nullptr);
         EXPECT_TRUE(List_CopyNew(list) == nullptr && String_CopyNew("x") == nullptr);
@@ -38,52 +31,42 @@ TEST(Containers, StayWholeWhenMemoryRunsOut)
 TEST(Registers, AreFoundByInstance)
 {
     VRegTable *table = Table_FromText("a=1 b=2 a=3");
-    static const struct {
-        uint32_t id;
-        int32_t instance, slot;
-    } rows[] = {{0xA, 1, 0},   {0xA, 2, 2},  {0xB, 1, 1},          {0xA, 3, -1},       {0xA, 0, -1},
-                {0xA, -1, -1}, {0xC, 1, -1}, {0xA, INT32_MIN, -1}, {0x1000000A, 1, -1}};
-    for (const auto &row : rows)
-        EXPECT_EQ(LookupVReg(table, row.id, row.instance), row.slot < 0 ? nullptr : table->regs + row.slot)
-            << row.id << ":" << row.instance;
+    for (const auto &[id, instance] :
+         {std::pair{0xAU, 3}, {0xA, 0}, {0xA, -1}, {0xA, INT32_MIN}, {0x1000000A, 1}})
+        EXPECT_EQ(LookupVReg(table, id, instance), nullptr) << id << ":" << instance;
+    EXPECT_EQ(LookupVReg(table, 0xA, 1), table->regs);
+    EXPECT_EQ(LookupVReg(table, 0xA, 2), table->regs + 2);
     table->count = -1;
     EXPECT_EQ(LookupVReg(table, 0xA, 1), nullptr);
     FreeVRegTable(table);
     FreeVRegTable(nullptr);
 }
 
-TEST(Registers, GrowInOneBlock)
-{
-    VRegTable *table = Table_FromText("a*=5");
-    {
-        const FailNthAllocation fail(1);
-        EXPECT_EQ(GrowVRegTable(table, 2), nullptr);
-    }
-    EXPECT_EQ(GrowVRegTable(table, UINT32_MAX), nullptr);
-    EXPECT_EQ(table->capacity, 1U);
-    table = GrowVRegTable(table, 1000);
-    EXPECT_EQ(table->capacity, 1001U);
-    EXPECT_EQ(table->regs, reinterpret_cast<VReg *>(table) + 1);
-    table->count = 4;
-    EXPECT_EQ(Table_Text(table), "a*=5 0=0 0=0 0=0");
-    FreeVRegTable(table);
-}
-
-TEST(Registers, CopyDeeply)
+TEST(Registers, GrowAndCopyDeeply)
 {
     const int64_t live = LiveAllocations();
     const std::string text = "a*=5 b000001=abc f000001=1,2 b000002=- f000002=- a000001=9";
-    VRegTable *source = Table_FromText(text.c_str());
+    VRegTable *source = Table_FromText(text);
+    EXPECT_EQ(GrowVRegTable(source, UINT32_MAX), nullptr);
+    {
+        const FailAllocations fail(1);
+        EXPECT_EQ(GrowVRegTable(source, 2), nullptr);
+    }
+    EXPECT_EQ(source->capacity, 6U);
+    source = GrowVRegTable(source, 1000); // far, so that the block moves
+    EXPECT_EQ(source->capacity, 1006U);
+    EXPECT_EQ(source->regs, reinterpret_cast<VReg *>(source) + 1);
+    EXPECT_TRUE(source->regs[6].id == 0 && source->regs[1005].value == 0);
+
     VRegTable *copy = AllocateVRegTable(6), *poor = AllocateVRegTable(6);
-    source->capacity = 60; // stated by the copy too, though its block is smaller
     CopyVRegTable(source, copy);
     {
-        const FailNthAllocation fail(1); // the string's; the list behind it is copied
+        const FailAllocations fail(1); // the string's; the list behind it is copied
         CopyVRegTable(source, poor);
     }
     FreeVRegTable(source);
     EXPECT_EQ(Table_Text(copy), text);
-    EXPECT_EQ(copy->capacity, 60U);
+    EXPECT_EQ(copy->capacity, 1006U); // stated by the copy too, though its block is smaller
     EXPECT_EQ(copy->regs, reinterpret_cast<VReg *>(copy) + 1);
     EXPECT_EQ(Table_Text(poor), "a*=5 b000001=- f000001=1,2 b000002=- f000002=- a000001=9");
     FreeVRegTable(copy);

@@ -3,393 +3,270 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdint>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <functional>
-#include <sstream>
-#include <string>
 
-#include <gtest/gtest.h>
-
-#include "tests/support/allocations.h"
-#include "velk32.h"
+#include "tests/support/board.h"
+#include "velk32_accessor.h"
 
 namespace
 {
 
-const std::string modulePath = VELK_TEST_MODULE_DIR "/velkimage";
+const std::string module = VELK_TEST_MODULE_DIR "/velkimage";
 
 // Registers of every form: two of them of one id, one internal.
 const std::string goodSettings =
-    "Image = board.img\n"
-    "Stride = 32\n"
+    "Image = board.img\nStride = 32\n"
     "Registers = 0x10, 0x11,0x10 ,0x12, 0xB000001, 0xF000001, 0xF000002, 0xF0000001\n"
-    "0x10 = 0 u8\n"
-    "0x11 = 1 u16 big\n"
-    "0x10:2 = 3 u32 little\n"
-    "0x12 = 7 u16 little\n"
-    "0xB000001 = 9 text 4\n"
-    "0xF000001 = 13 list 3 u16 big\n"
-    "0xF000002 = 21 array 2 u8\n"
-    "0xF0000001 = 23 u8\n";
+    "0x10 = 0 u8\n0x11 = 1 u16 big\n0x10:2 = 3 u32 little\n0x12 = 7 u16 little\n0xB000001 = 9 text 4\n"
+    "0xF000001 = 13 list 3 u16 big\n0xF000002 = 21 array 2 u8\n0xF0000001 = 23 u8\n";
 
 // Board 1 of two. The byte behind the text's end, those behind the list and those from 24 on hold no value.
-const std::string imageBytes = std::string(32, '\x55') + std::string("\x7F\x12\x34\x78\x56\x34\x12\xCD\xAB"
-                                                                     "AB\0Z"
-                                                                     "\0\2\x01\x02\xFF\xFE\xEE\xEE"
-                                                                     "\5\6"
-                                                                     "!unmapped",
-                                                                     32);
+const std::string boardBytes("\x7F\x12\x34\x78\x56\x34\x12\xCD\xAB"
+                             "AB\0Z"
+                             "\0\2\x01\x02\xFF\xFE\xEE\xEE"
+                             "\5\6"
+                             "!unmapped",
+                             32);
+const std::string imageBytes = std::string(32, '\x55') + boardBytes;
 
-// The same values as a save file has them.
-const std::string savedValues = "0x10=7F\n0x11=1234\n0x10=12345678\n0x12=ABCD\n0xB000001=AB\n"
-                                "0xF000001=0x102,0xFFFE\n0xF000002=5,6\n";
+// The same values; a table may lack the internal register.
+const std::string values = "10=7f 11=1234 10=12345678 12=abcd b000001=AB f000001=102,fffe f000002=5,6";
+const std::string allValues = values + " f0000001=21";
 
-// `text` with `what` replaced; it has to be there.
-std::string Edited(std::string text, const std::string &what, const std::string &by)
-{
-    const size_t at = text.find(what);
-    EXPECT_NE(at, std::string::npos) << what;
-    return at == std::string::npos ? text : text.replace(at, what.size(), by);
-}
+// A second class, whose boards are the bytes of the image.
+const std::string byteSettings = "Image = board.img\nStride = 1\nRegisters = 16\n16 = 0 u8\nUnit = 2\n";
 
-// A definition directory with an image, an engine on it, and a configuration once a class is opened.
-struct Rig {
-    explicit Rig(const std::string &settings = goodSettings, const std::string &second = "")
+// Two classes, A and B. The accessor is gone when the last rig is.
+struct Rig : Desk {
+    explicit Rig(const std::string &first = goodSettings, const std::string &second = byteSettings)
     {
-        char name[] = "/tmp/velkimage-XXXXXX";
-        directory = mkdtemp(name);
-        chmod(name, 0755);
-        const std::string head = "Accessor = " + modulePath + "\nKeys = keys.ini\nOptions = options.ini\n";
-        Write("CfgClass.ini", "[A]\n" + head + settings + "[B]\n" + head + second);
-        Write("keys.ini", "[Small]\n0x10 (0xFF) = Value\n");
-        Write("options.ini", "");
-        Write("board.img", imageBytes);
-        EXPECT_EQ(VelkInitializeConfigEngine(name, &engine), 0);
+        const std::string head = "Accessor=" + module + "\nKeys=keys.ini\nOptions=options.ini\n";
+        directory.Write("keys.ini", "[Small]\n0x10 (0xFF) = Value\n");
+        directory.Write("options.ini", "");
+        directory.Write("board.img", imageBytes);
+        EXPECT_EQ(Start("[A]\n" + head + first + "[B]\n" + head + second), 0);
     }
     ~Rig()
     {
-        if (config != nullptr)
-            VelkDiscardConfig(config);
-        VelkCloseConfigEngine(engine);
-        std::filesystem::remove_all(directory);
+        Clear();
+        EXPECT_EQ(IsModuleLoaded(module), previous != nullptr);
     }
-    Rig(const Rig &) = delete;
-    Rig &operator=(const Rig &) = delete;
-
-    void Write(const std::string &name, const std::string &bytes) const
+    // Puts a table of these registers in the place of the one that was loaded.
+    void Put(const std::string &registers) const
     {
-        std::ofstream(directory + "/" + name, std::ios::binary) << bytes;
+        FreeVRegTable(std::exchange(TableOf(config), Table_FromText(registers)));
     }
-    [[nodiscard]] std::string Image() const
-    {
-        std::ostringstream bytes;
-        bytes << std::ifstream(directory + "/board.img", std::ios::binary).rdbuf();
-        return bytes.str();
-    }
-    // Loads a class; the configuration is of the class opened last.
-    StatusCode Open(const char *name = "A")
-    {
-        if (config != nullptr)
-            VelkDiscardConfig(config);
-        return VelkCreateConfig(engine, name, &config);
-    }
-    [[nodiscard]] StatusCode Load(uint32_t board = 1, uint32_t unit = 0) const
-    {
-        return VelkLoadCurrentConfig(config, board, unit);
-    }
-    [[nodiscard]] StatusCode Save(uint32_t board = 1, uint32_t unit = 0) const
-    {
-        return VelkSaveCurrentConfig(config, board, unit);
-    }
-    [[nodiscard]] StatusCode Restore(const std::string &values) const
-    {
-        Write("saved.cfg", "[Information]\nKey = k\n[Data]\n" + values);
-        return VelkLoadFromFile(config, (directory + "/saved.cfg").c_str(), "k");
-    }
-    [[nodiscard]] VelkWord Get(uint32_t id, int32_t instance = 1) const
-    {
-        VelkWord value = 0;
-        EXPECT_EQ(VelkGetBits(config, id, instance, 0xFFFFFFFF, &value), 0) << id;
-        return value;
-    }
-    void SetSmall(VelkWord value) const
-    {
-        EXPECT_EQ(VelkSetKey(config, "Small", value), 0);
-    }
-    [[nodiscard]] std::string Numbers(uint32_t id) const
-    {
-        const List *list = reinterpret_cast<const List *>(Get(id));
-        std::string text;
-        for (int32_t i = 0; i < list->count; ++i)
-            text += " " + std::to_string(list->items[i]);
-        return text;
-    }
-
-    std::string directory;
-    ConfigEngine *engine = nullptr;
-    Config *config = nullptr;
 };
 
-bool IsModuleLoaded()
-{
-    void *module = dlopen((modulePath + ".so").c_str(), RTLD_NOW | RTLD_NOLOAD);
-    if (module != nullptr)
-        dlclose(module);
-    return module != nullptr;
-}
+} // namespace
 
 TEST(ImageAccessor, ReadsRegistersOfEveryForm)
 {
     Rig rig;
-    ASSERT_EQ(rig.Open(), 0);
-    ASSERT_EQ(rig.Load(), 0);
-    EXPECT_EQ(rig.Get(0x10), 0x7FU);
-    EXPECT_EQ(rig.Get(0x11), 0x1234U);
-    EXPECT_EQ(rig.Get(0x10, 2), 0x12345678U);
-    EXPECT_EQ(rig.Get(0x12), 0xABCDU);
-    EXPECT_STREQ(reinterpret_cast<const char *>(rig.Get(0x0B000001)), "AB");
-    EXPECT_EQ(rig.Numbers(0x0F000001), " 258 65534");
-    EXPECT_EQ(rig.Numbers(0x0F000002), " 5 6");
-    EXPECT_EQ(rig.Get(0xF0000001), 0x21U);
-
-    rig.Write("board.img", Edited(imageBytes, {"AB\0Z", 4}, "FULL"));
-    ASSERT_EQ(rig.Load(), 0);
-    EXPECT_STREQ(reinterpret_cast<const char *>(rig.Get(0x0B000001)), "FULL");
-
+    ASSERT_EQ(rig.Open("A") + rig.Load(1), 0);
+    EXPECT_EQ(rig.Run("."), allValues);
+    rig.directory.Write("board.img", Edited(imageBytes, {"AB\0Z", 4}, "FULL"));
+    ASSERT_EQ(rig.Load(1), 0);
+    EXPECT_EQ(rig.Run("."), Edited(allValues, "AB", "FULL"));
     EXPECT_EQ(rig.Load(0), -108) << "0x5555 numbers in a list with room for 3";
     EXPECT_EQ(VelkIsConfigLoaded(rig.config), 0);
 }
 
 TEST(ImageAccessor, WritesTheBytesThatDifferOrNone)
 {
-    static const struct {
-        const char *name, *what, *by; // changes to the values on the board
-        StatusCode status;
-        size_t offset; // of the bytes that follow
-        std::string bytes;
-    } rows[] = {
-        {"nothing", "", "", 0, 0, ""},
-        {"the high byte last", "12345678", "DEADC0DE", 0, 3, "\xDE\xC0\xAD\xDE"},
-        {"the high byte first", "1234\n", "BEEF\n", 0, 1, "\xBE\xEF"},
-        {"the largest of a byte", "7F", "FF", 0, 0, "\xFF"},
-        {"too large for a byte", "7F", "100", -104, 0, ""},
-        {"too large for two", "ABCD", "1ABCD", -104, 0, ""},
-        {"text with room behind it", "=AB\n", "=C\n", 0, 9, {"C\0\0\0", 4}},
-        {"text that fills its room", "=AB\n", "=WXYZ\n", 0, 9, "WXYZ"},
-        {"text too long", "=AB\n", "=VWXYZ\n", -104, 0, ""},
-        {"shorter list", ",0xFFFE", "", 0, 13, {"\0\1\1\2\0\0\0\0", 8}},
-        {"list that fills its room", ",0xFFFE", ",2,3", 0, 13, {"\0\3\1\2\0\2\0\3", 8}},
-        {"list too long", ",0xFFFE", ",2,3,4", -104, 0, ""},
-        {"too large in a list", ",0xFFFE", ",0x10000", -104, 0, ""},
-        {"array", "5,6", "5,0xFF", 0, 22, "\xFF"},
-        {"array too short", "5,6", "5", -104, 0, ""},
-        {"array too long", "5,6", "5,6,7", -104, 0, ""},
-        {"a register is missing", "0x10=12345678\n", "", -104, 0, ""},
-        {"one of an id too many", "0x10=12345678\n", "0x10=1\n0x10=1\n", -104, 0, ""},
-        {"a register not in the map", "0x12=", "0x13=", -104, 0, ""},
+    // What changes of the values on the board, and the bytes that change by it, with their offset.
+    static const std::tuple<const char *, const char *, size_t, std::string> rows[] = {
+        {"12345678", "deadc0de", 3, "\xDE\xC0\xAD\xDE"},
+        {"1234", "beef", 1, "\xBE\xEF"},
+        {"7f", "ff", 0, "\xFF"},
+        {"AB", "C", 9, {"C\0\0\0", 4}},
+        {"AB", "WXYZ", 9, "WXYZ"},
+        {",fffe", "", 13, {"\0\1\1\2\0\0\0\0", 8}}, // a shorter list
+        {",fffe", ",2,3", 13, {"\0\3\1\2\0\2\0\3", 8}},
+        {"5,6", "5,ff", 22, "\xFF"},
     };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.name);
-        Rig rig;
-        ASSERT_EQ(rig.Open(), 0);
-        ASSERT_EQ(rig.Restore(Edited(savedValues, row.what, row.by)), 0);
-        EXPECT_EQ(rig.Save(), row.status);
+    Rig rig;
+    ASSERT_EQ(rig.Open("A") + rig.Load(1), 0);
+    const auto save = [&](const char *what, const char *by) {
+        rig.directory.Write("board.img", imageBytes);
+        rig.Put(Edited(values, what, by));
+        return rig.Save(1);
+    };
+    for (const auto &[what, by, offset, bytes] : rows) {
+        SCOPED_TRACE(what + std::string(" -> ") + by);
+        EXPECT_EQ(save(what, by), 0);
         std::string expected = imageBytes;
-        expected.replace(32 + row.offset, row.bytes.size(), row.bytes);
-        EXPECT_EQ(rig.Image(), expected);
+        expected.replace(32 + offset, bytes.size(), bytes);
+        EXPECT_EQ(rig.directory.Read("board.img"), expected);
     }
+    // Too large, too long, and a register that is missing, there once too often, or not in the map.
+    const std::pair<const char *, std::vector<const char *>> refused[] = {
+        {"7f", {"100"}},         {"abcd", {"1abcd"}},
+        {"AB", {"VWXYZ"}},       {",fffe", {",2,3,4", ",10000"}},
+        {"5,6", {"5", "5,6,7"}}, {" 10=12345678", {"", " 10=1 10=1"}},
+        {"12=", {"13="}}};
+    for (const auto &[what, edits] : refused)
+        for (const char *by : edits) {
+            EXPECT_EQ(save(what, by), -104) << what << " -> " << by;
+            EXPECT_EQ(rig.directory.Read("board.img"), imageBytes) << what << " -> " << by;
+        }
 }
 
 TEST(ImageAccessor, RefusesBadSettings)
 {
-    static const char *const rows[][2] = {
-        {"Image = board.img\n", ""},
-        {"Stride = 32", "Stride = 0"},
-        {"Stride = 32", "Stride = 0x100000000"},
-        {"Stride = 32", "Stride = 032"},
-        {"Stride = 32", "Stride = 23"}, // the last place ends at 24
-        {"Stride = 32", "Stride = 32\nUnit = -1"},
-        {"Registers = 0x10", "Registers = 0x10,"},
-        {"Registers = 0x10", "Registers = 0"}, // no id of a save file
-        {"Registers = 0x10,", "Registers = 0x10"},
-        {"0xF0000001\n", "0xF0000001,\n"},
-        {"0x10 = 0 u8\n", ""},
-        {"0x10:2 = 3 u32 little\n", ""},
-        {"0 u8", "0 u8 big"},
-        {"0 u8", "0 u24"},
-        {"0 u8", "24 text 4"},      // a number register
-        {"1 u16 big", "1 u16"},     // in which order?
-        {"1 u16 big", "2 u16 big"}, // on a byte of the next one
-        {"9 text 4", "9 u32 big"},  // a text register
-        {"9 text 4", "9 text 0xFFFFFFFF"},
-        {"13 list 3 u16 big", "13 text 8"},                               // a list register
-        {"23 u8\n", "23 u8\nStride = 999\n0xF000001 = 99 list 256 u8\n"}, // more than a byte counts
+    const std::pair<const char *, std::vector<const char *>> rows[] = {
+        {"Image = board.img\n", {""}},
+        {"Stride = 32", {"Stride = 0", "Stride = 0x100000000", "Stride = 032", "Stride = 32\nUnit = -1"}},
+        {"Stride = 32", {"Stride = 23"}}, // the last place ends at 24
+        {"Registers = 0x10,", {"Registers = 0x10,,", "Registers = 0,", "Registers = 0x10"}},
+        {"0xF0000001\n", {"0xF0000001,\n"}},
+        {"0x10 = 0 u8\n", {"", "0x10 = 0 u8 big\n", "0x10 = 0 u24\n", "0x10 = 24 text 4\n"}},
+        {"0x10:2 = 3 u32 little\n", {""}},
+        {"1 u16 big", {"1 u16", "2 u16 big"}}, // in which order? and on a byte of the next one
+        {"9 text 4", {"9 u32 big", "9 text 0xFFFFFFFF"}},
+        {"13 list 3 u16 big", {"13 text 8"}},
+        {"23 u8\n", {"23 u8\nStride = 999\n0xF000001 = 99 list 256 u8\n"}}, // more than a byte counts
     };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(std::string(row[0]) + " -> " + row[1]);
-        EXPECT_EQ(Rig(Edited(goodSettings, row[0], row[1])).Open(), -111);
-    }
-    EXPECT_FALSE(IsModuleLoaded());
+    for (const auto &[what, edits] : rows)
+        for (const char *by : edits) {
+            SCOPED_TRACE(std::string(what) + " -> " + by);
+            EXPECT_EQ(Rig(Edited(goodSettings, what, by)).Open("A"), -111);
+        }
 }
 
 TEST(ImageAccessor, TouchesNothingWhenThereIsNoBoard)
 {
-    static const struct {
-        const char *name;
-        void (*spoil)(const std::filesystem::path &image);
-        uint32_t board, unit;
-        StatusCode load, save;
-    } rows[] = {
-        {"no such unit", [](const auto &) {}, 1, 1, -103, -103},
-        {"no such board", [](const auto &) {}, 2, 0, -102, -102},
-        {"a board beyond any file", [](const auto &) {}, 0xFFFFFFFF, 0, -102, -102},
-        {"no image", [](const auto &image) { remove(image); }, 1, 0, -102, -102},
-        {"one byte short", [](const auto &image) { resize_file(image, 63); }, 1, 0, -108, -108},
-        {"may not be read", [](const auto &image) { permissions(image, {}); }, 1, 0, -105, -105},
-        {"may not be written", [](const auto &image) { permissions(image, std::filesystem::perms(0444)); }, 1,
-         0, 0, -105},
-        {"a directory", [](const auto &image) { remove(image) && create_directory(image); }, 1, 0, -107,
-         -107},
-    };
+    using std::filesystem::perms;
+    // What is wrong with the image, board, unit, statuses of a load and of a save.
+    static const std::tuple<const char *, void (*)(const std::filesystem::path &), uint32_t, uint32_t,
+                            StatusCode, StatusCode>
+        rows[] = {
+            {"no such unit", [](const auto &) {}, 1, 1, -103, -103},
+            {"no such board", [](const auto &) {}, 2, 0, -102, -102},
+            {"a board beyond any file", [](const auto &) {}, 0xFFFFFFFF, 0, -102, -102},
+            {"no image", [](const auto &image) { remove(image); }, 1, 0, -102, -102},
+            {"link to itself", [](const auto &image) { remove(image), create_symlink(image, image); }, 1, 0,
+             -101, -101},
+            {"one byte short", [](const auto &image) { resize_file(image, 63); }, 1, 0, -108, -108},
+            {"not to be read", [](const auto &image) { permissions(image, {}); }, 1, 0, -105, -105},
+            {"not to be written", [](const auto &image) { permissions(image, perms(0444)); }, 1, 0, 0, -105},
+            {"a directory", [](const auto &image) { remove(image), create_directory(image); }, 1, 0, -107,
+             -107},
+        };
     const uid_t me = geteuid();
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.name);
+    const mode_t mask = umask(022); // the image is there to be read by others
+    for (const auto &[name, spoil, board, unit, load, save] : rows) {
+        SCOPED_TRACE(name);
         Rig rig;
-        ASSERT_EQ(rig.Open(), 0);
-        ASSERT_EQ(rig.Load(), 0);
-        rig.SetSmall(1);
-        row.spoil(rig.directory + "/board.img");
-        const std::string spoilt = rig.Image();
+        permissions(std::filesystem::path(rig.directory.path), perms(0755));
+        ASSERT_EQ(rig.Open("A") + rig.Load(1), 0);
+        EXPECT_EQ(rig.Run("#Small=1"), "0");
+        spoil(rig.directory.Path("board.img"));
+        const std::string spoilt = rig.directory.Read("board.img");
 
         // Permission bits do not stop root.
         ASSERT_EQ(seteuid(me == 0 ? 65534 : me), 0);
-        EXPECT_EQ(rig.Save(row.board, row.unit), row.save);
-        EXPECT_EQ(rig.Get(0x10), 1U);
-        EXPECT_EQ(rig.Load(row.board, row.unit), row.load);
+        EXPECT_EQ(rig.Save(board, unit), save);
+        EXPECT_EQ(rig.Run("#Small"), "1");
+        EXPECT_EQ(rig.Load(board, unit), load);
         ASSERT_EQ(seteuid(me), 0);
+        EXPECT_EQ(rig.Run("#Small"), load == 0 ? "7f" : "1");
+        EXPECT_EQ(rig.directory.Read("board.img"), spoilt);
+    }
+    umask(mask);
+}
 
-        EXPECT_EQ(rig.Get(0x10), row.load == 0 ? 0x7FU : 1U);
-        EXPECT_EQ(rig.Image(), spoilt);
+TEST(ImageAccessor, RefusesAnImageThatShrankDuringASession)
+{
+    for (const auto &[size, status] : {std::pair{40, -108}, {32, -102}, {0, -102}}) {
+        SCOPED_TRACE(size);
+        Rig rig;
+        ASSERT_EQ(rig.Open("A") + rig.Load(1), 0);
+        rig.Put(Edited(values, "7f", "1"));
+        void *loaded = dlopen((module + ".so").c_str(), RTLD_NOW | RTLD_NOLOAD);
+        ASSERT_NE(loaded, nullptr);
+        const auto open = reinterpret_cast<decltype(&Cfg_CreateSession)>(dlsym(loaded, "Cfg_CreateSession"));
+        const auto write = reinterpret_cast<decltype(&Cfg_Write)>(dlsym(loaded, "Cfg_Write"));
+        const auto close = reinterpret_cast<decltype(&Cfg_CloseSession)>(dlsym(loaded, "Cfg_CloseSession"));
+
+        VelkWord session = 0;
+        ASSERT_EQ(open(1, 0, &session), 0);
+        std::filesystem::resize_file(rig.directory.Path("board.img"), static_cast<uintmax_t>(size));
+        EXPECT_EQ(write(session, TableOf(rig.config)), status);
+        close(session);
+        dlclose(loaded);
+        EXPECT_EQ(rig.directory.Read("board.img"), imageBytes.substr(0, static_cast<size_t>(size)));
     }
 }
 
 TEST(ImageAccessor, ReportsAWriteThatDoesNotStay)
 {
-    static const struct {
-        const char *image; // both read as zeros
-        uint32_t value;
-        StatusCode status;
-    } rows[] = {
-        {"/dev/full", 1, -106}, // takes no byte
-        {"/dev/zero", 1, -106}, // keeps no byte
-        {"/dev/full", 0, 0},    // nothing differs, so nothing is written
-    };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.image);
-        Rig rig("Image = " + std::string(row.image) + "\nStride = 1\nRegisters = 16\n16 = 0 u8\n");
-        ASSERT_EQ(rig.Open(), 0);
-        ASSERT_EQ(rig.Load(0), 0);
-        rig.SetSmall(row.value);
-        EXPECT_EQ(rig.Save(0), row.status);
+    // Both read as zeros. One takes no byte, one keeps none; where nothing differs nothing is written.
+    for (const auto &[image, results] :
+         {std::pair{"/dev/full", -106}, {"/dev/zero", -106}, {"/dev/full", 0}}) {
+        SCOPED_TRACE(image);
+        Rig rig(Edited(byteSettings, "board.img", image));
+        ASSERT_EQ(rig.Open("A") + rig.Load(0, 2), 0);
+        EXPECT_EQ(rig.Run(results == 0 ? "#Small=0" : "#Small=1"), "0");
+        EXPECT_EQ(rig.Save(0, 2), results);
     }
 }
 
 TEST(ImageAccessor, ServesClassesAndEnginesByTheirUnits)
 {
-    const int64_t blocks = LiveAllocations();
-    {
-        const std::string second = "Image = board.img\nStride = 1\nRegisters = 0x10\n0x10 = 0 u8\nUnit = 2\n";
-        Rig one(goodSettings, second);
-        Rig other(goodSettings + "Unit = 3\n", second);
-        other.Write("board.img", Edited(imageBytes, "\x7F", "\x70"));
-        ASSERT_EQ(one.Open("A"), 0);
-        ASSERT_EQ(other.Open("A"), 0);
-        EXPECT_EQ(one.Load(1, 0), 0);
-        EXPECT_EQ(one.Get(0x10), 0x7FU);
-        EXPECT_EQ(other.Load(1, 3), 0);
-        EXPECT_EQ(other.Get(0x10), 0x70U);
+    Rig one;
+    Rig other(goodSettings + "Unit = 3\n");
+    other.directory.Write("board.img", Edited(imageBytes, "\x7F", "\x70"));
+    ASSERT_EQ(one.Open("A") + other.Open("A"), 0);
+    EXPECT_EQ(one.Load(1, 0) + other.Load(1, 3), 0);
+    EXPECT_EQ(one.Run("#Small") + other.Run("#Small"), "7f70");
 
-        ASSERT_EQ(one.Open("B"), 0);
-        EXPECT_EQ(one.Load(33, 2), 0);
-        EXPECT_EQ(one.Get(0x10), 0x12U);
-        one.SetSmall(0x13);
-        EXPECT_EQ(one.Save(33, 2), 0);
-        EXPECT_EQ(one.Image(), Edited(imageBytes, "\x12", "\x13"));
+    ASSERT_EQ(one.Open("B") + one.Load(33, 2), 0);
+    EXPECT_EQ(one.Run("#Small #Small=0x13"), "12 0");
+    EXPECT_EQ(one.Save(33, 2), 0);
+    EXPECT_EQ(one.directory.Read("board.img"), Edited(imageBytes, "\x12", "\x13"));
 
-        EXPECT_EQ(other.Open("B"), -112) << "unit 2 has its image in another directory";
-        ConfigEngine *again;
-        Config *config;
-        ASSERT_EQ(VelkInitializeConfigEngine(one.directory.c_str(), &again), 0);
-        EXPECT_EQ(VelkCreateConfig(again, "A", &config), 0) << "the same settings once more";
-        VelkDiscardConfig(config);
-        VelkCloseConfigEngine(again);
-        EXPECT_TRUE(IsModuleLoaded());
-    }
-    EXPECT_FALSE(IsModuleLoaded());
-    EXPECT_EQ(LiveAllocations(), blocks);
+    EXPECT_EQ(other.Open("B"), -112) << "unit 2 has its image in another directory";
+    VelkCloseConfigEngine(std::exchange(other.engine, nullptr));
+    ASSERT_EQ(VelkInitializeConfigEngine(one.directory.path.c_str(), &other.engine), 0);
+    EXPECT_EQ(other.Open("B"), 0) << "the same settings once more";
+}
+
+TEST(ImageAccessor, KeepsToItsImageWhereverTheProcessGoes)
+{
+    Rig rig;
+    const auto start = std::filesystem::current_path();
+    VelkCloseConfigEngine(std::exchange(rig.engine, nullptr));
+    std::filesystem::current_path("/tmp");
+    EXPECT_EQ(VelkInitializeConfigEngine(rig.directory.path.substr(5).c_str(), &rig.engine), 0);
+    EXPECT_EQ(rig.Open("A"), 0);
+    std::filesystem::current_path("/");
+    EXPECT_EQ(rig.Load(1), 0);
+    EXPECT_EQ(rig.Run("."), allValues);
+    std::filesystem::current_path(start);
 }
 
 TEST(ImageAccessor, OutlivesAClassLoadThatFailsLate)
 {
-    const int64_t blocks = LiveAllocations();
-    {
-        Rig rig(goodSettings, goodSettings + "Unit = 1\n");
-        rig.Write("options.ini", "[Keyless]\n");
-        EXPECT_EQ(rig.Open("A"), -206);
-        EXPECT_FALSE(IsModuleLoaded()) << "nobody else holds it";
-        rig.Write("options.ini", "");
-        EXPECT_EQ(rig.Open("A"), 0);
-        rig.Write("options.ini", "[Keyless]\n");
-        EXPECT_EQ(rig.Open("B"), -206);
-        rig.Write("options.ini", "");
-        EXPECT_EQ(rig.Open("B"), 0) << "the settings left behind are the same";
-        EXPECT_EQ(rig.Load(1, 0), 0);
-        EXPECT_EQ(rig.Load(1, 1), 0);
+    Rig rig;
+    for (const char *name : {"A", "B"}) {
+        rig.directory.Write("options.ini", "[Keyless]\n");
+        EXPECT_EQ(rig.Open(name), -206);
+        EXPECT_EQ(IsModuleLoaded(module), *name == 'B') << "nobody else holds it";
+        rig.directory.Write("options.ini", "");
+        EXPECT_EQ(rig.Open(name), 0) << "the settings left behind are the same";
     }
-    EXPECT_FALSE(IsModuleLoaded());
-    EXPECT_EQ(LiveAllocations(), blocks);
-}
-
-// Fails each allocation of a call in turn, until the call gets through.
-void FailEachAllocation(const std::function<StatusCode()> &call,
-                        const std::function<void(StatusCode)> &checkFailure)
-{
-    for (int64_t nth = 1;; ++nth) {
-        SCOPED_TRACE(nth);
-        const FailNthAllocation fail(nth);
-        const StatusCode status = call();
-        if (!fail.Fired()) {
-            EXPECT_EQ(status, 0);
-            return;
-        }
-        checkFailure(status);
-    }
+    EXPECT_EQ(rig.Load(1, 0) + rig.Load(1, 2), 0);
 }
 
 TEST(ImageAccessor, IsUndoneWhicheverAllocationFails)
 {
-    const int64_t blocks = LiveAllocations();
-    {
-        Rig rig;
-        const int64_t blocksOfEngine = LiveAllocations();
-        FailEachAllocation([&] { return rig.Open(); },
-                           [&](StatusCode status) {
-                               EXPECT_LT(status, 0);
-                               EXPECT_EQ(LiveAllocations(), blocksOfEngine);
-                           });
-        ASSERT_EQ(rig.Restore(Edited(savedValues, "=AB\n", "=CD\n")), 0);
-        FailEachAllocation([&] { return rig.Save(); },
-                           [&](StatusCode status) {
-                               EXPECT_EQ(status, -1);
-                               EXPECT_EQ(rig.Image(), imageBytes);
-                           });
-        EXPECT_EQ(rig.Image(), Edited(imageBytes, {"AB\0Z", 4}, {"CD\0\0", 4}));
-        FailEachAllocation([&] { return rig.Load(); }, [](StatusCode status) { EXPECT_EQ(status, -1); });
-    }
-    EXPECT_EQ(LiveAllocations(), blocks);
+    Rig rig;
+    const auto image = [&] { return rig.directory.Read("board.img"); };
+    EXPECT_EQ(FailEachAllocation([&] { return rig.Open("A"); }, [] { return IsModuleLoaded(module); }),
+              "-1 -201 -204 -1 -201 -205 -201 -206 then 0 ");
+    EXPECT_EQ(FailEachAllocation([&] { return rig.Load(1); }, image), "-1 then 0 ");
+    rig.Put(Edited(values, "AB", "CD"));
+    EXPECT_EQ(FailEachAllocation([&] { return rig.Save(1); }, image), "-1 then 0 ");
+    EXPECT_EQ(image(), Edited(imageBytes, {"AB\0Z", 4}, {"CD\0\0", 4}));
 }
-
-} // namespace

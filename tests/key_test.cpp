@@ -1,10 +1,4 @@
 // Key files, and reading and writing keys.
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "tests/support/board.h"
 
 TEST(KeyFiles, NameTheirRegister)
@@ -54,74 +48,64 @@ TEST(KeyFiles, ShareKeysButNotSymbols)
     desk.directory.Write("o", "");
     ASSERT_EQ(desk.Start("[C]\n" + head + "Keys=a,b\n[D]\n" + head + "Keys=a,c\n"), 0);
     desk.answers.registers = "10=0 11=0";
-    Config *config;
-    EXPECT_EQ(VelkCreateConfig(desk.engine, "D", &config), -205);
-    ASSERT_EQ(VelkCreateConfig(desk.engine, "C", &config), 0);
-    ASSERT_EQ(VelkLoadCurrentConfig(config, 0, 0), 0);
-    EXPECT_EQ(VelkSetKey(config, "K", 1) + VelkSetKey(config, "k", 2), 0);
-    EXPECT_EQ(Table_Text(TableOf(config)), "10*=20 11*=1"); // the later K
-    VelkDiscardConfig(config);
+    EXPECT_EQ(desk.Open("D"), -205);
+    ASSERT_EQ(desk.Open("C") + desk.Load(), 0);
+    EXPECT_EQ(desk.Run("#K=1 #k=2 ."), "0 0 10*=20 11*=1"); // the later K
 }
 
 TEST(Keys, TranslateNumbers)
 {
-    static const struct {
-        const char *key, *registers, *commands, *results;
-    } rows[] = {{"0x10 (0x0F00)=Value", "10=1001", "#K=5 . #K", "0 10*=1501 5"},
-                {"0x10 (0x0F00)=Value", "10=1501", "#K=0x15 .", "0 10=1501"}, // cut to the field: no change
-                {"0x10 (0x80000000)=Value", "10=0", "#K=1 . #K", "0 10*=80000000 1"},
-                {"0x10 (0x0A)=Value", "10=0", "#K=2 . #K=5 . #K", "0 10=0 0 10*=a 5"}, // a mask with a hole
-                {"0x10 (-1)=Value", "10=0", "#K=-1 . #K", "0 10*=ffffffff ffffffff"},
-                {"0x10:2 (1)=Value", "10=7", "#K=1 #K .", "-3 !-3 10=7"},
-                {"0x10 (3)=Bool\nFALSE=1\nTRUE=0", "10=4", "#K #K=0 #K . #K=7 .", "1 0 0 10*=5 0 10*=4"},
-                {"0x10 (6)=Bool\nFALSE=2\nTRUE=2", "10=0", "#K #K=1 #K .", "!-99 0 0 10*=4"},
-                {"0x10 (6)=Bool\nFALSE=2\nTRUE=3", "10=0", "#K=0xF00000000 .", "0 10*=4"}, // the low half
-                {"0x10 (0x30)=Index\nArray=10,20,20", "10=0", "#K=20 . #K #K=30 .", "0 10*=10 14 -99 10*=10"},
-                {"0x10 (0x30)=Index\nArray=10,20,20", "10=20", "#K #K=20 .", "14 0 10*=10"},
-                {"0x10 (0x30)=Index\nArray=10,20,20", "10=30", "#K #k #K=10", "!-99 !-13 0"},
-                {"0x10 (0x30)=Index\nArray=", "10=0", "#K #K=0", "!-99 -99"}};
-    for (const auto &row : rows)
-        Board_Expect("[K]\n" + std::string(row.key) + "\n", "", row.registers, row.commands, row.results);
+    static const char *const rows[][4] = {
+        {"0x10 (0x0F00)=Value", "10=1001", "#K=5 . #K", "0 10*=1501 5"},
+        {"0x10 (0x0F00)=Value", "10=1501", "#K=0x15 .", "0 10=1501"}, // cut to the field: no change
+        {"0x10 (0x80000000)=Value", "10=0", "#K=1 . #K", "0 10*=80000000 1"},
+        {"0x10 (0x0A)=Value", "10=0", "#K=2 . #K=5 . #K", "0 10=0 0 10*=a 5"}, // a mask with a hole
+        {"0x10 (-1)=Value", "10=0", "#K=-1 . #K", "0 10*=ffffffff ffffffff"},
+        {"0x10:2 (1)=Value", "10=7", "#K=1 #K .", "-3 !-3 10=7"},
+        {"0x10 (3)=Bool\nFALSE=1\nTRUE=0", "10=4", "#K #K=0 #K . #K=7 .", "1 0 0 10*=5 0 10*=4"},
+        {"0x10 (6)=Bool\nFALSE=2\nTRUE=2", "10=0", "#K #K=1 #K .", "!-99 0 0 10*=4"},
+        {"0x10 (6)=Bool\nFALSE=2\nTRUE=3", "10=0", "#K=0xF00000000 .", "0 10*=4"}, // the low half
+        {"0x10 (0x30)=Index\nArray=10,20,20", "10=0", "#K=20 . #K #K=30 .", "0 10*=10 14 -99 10*=10"},
+        {"0x10 (0x30)=Index\nArray=10,20,20", "10=20", "#K #K=20 .", "14 0 10*=10"},
+        {"0x10 (0x30)=Index\nArray=10,20,20", "10=30", "#K #k #K=10", "!-99 !-13 0"},
+        {"0x10 (0x30)=Index\nArray=", "10=0", "#K #K=0", "!-99 -99"}};
+    for (const auto &[key, registers, commands, results] : rows)
+        Board_Expect("[K]\n" + std::string(key) + "\n", "", registers, commands, results);
 }
 
 TEST(Keys, ComputeTheRequiredMemory)
 {
     const std::string space = "[AddressSpace]\n0x10 (0x3)=Value\n",
                       total = "[TotalMemory]\n0x11 (-1)=Value\n";
-    const struct {
-        std::string keys;
-        const char *registers, *written, *results; // status, field of four bits, amount read back
-    } rows[] = {{space, "10=90", "1", "0 7 10000"},
-                {space, "10=90", "0x10000", "0 7 10000"},
-                {space, "10=90", "100000", "0 6 20000"},
-                {space, "10=90", "0x80000001", "0 7 10000"}, // 23 - 32, cut
-                {space, "10=91", "0x10000", "0 f 10000"},
-                {space, "10=91", "0x80000000", "0 0 80000000"},
-                {space, "10=92", "0x1000000", "0 f 1000000"},
-                {space, "10=93", "12345", "0 0 0"},
-                {space + total, "10=90 11=7fff", "-1", "0 8 8000"},
-                {space, "10=90", "-1", "-99 9 4000"},
-                {"", "10=90", "1", "-99 9 !-99"},
-                {"[AddressSpace]\n0x12 (3)=Value\n", "10=90", "1", "-3 9 !-3"},
-                {"[AddressSpace]\n0x10 (3)=VxiRequiredMemory\n", "10=90", "1", "-99 9 !-99"}};
-    for (const auto &row : rows)
-        Board_Expect("[Memory]\n0x10 (0xF0)=VxiRequiredMemory\n[Raw]\n0x10 (0xF0)=Value\n" + row.keys, "",
-                     row.registers, std::string("#Memory=") + row.written + " #Raw #Memory", row.results);
+    // The amount that is written gives a status, the field of four bits, and the amount that is read back.
+    const std::tuple<std::string, const char *, const char *, const char *> rows[] = {
+        {space, "10=90", "1", "0 7 10000"},
+        {space, "10=90", "0x10000", "0 7 10000"},
+        {space, "10=90", "100000", "0 6 20000"},
+        {space, "10=90", "0x80000001", "0 7 10000"}, // 23 - 32, cut
+        {space, "10=91", "0x10000", "0 f 10000"},
+        {space, "10=91", "0x80000000", "0 0 80000000"},
+        {space, "10=92", "0x1000000", "0 f 1000000"},
+        {space, "10=93", "12345", "0 0 0"},
+        {space + total, "10=90 11=7fff", "-1", "0 8 8000"},
+        {space, "10=90", "-1", "-99 9 4000"},
+        {"", "10=90", "1", "-99 9 !-99"},
+        {"[AddressSpace]\n0x12 (3)=Value\n", "10=90", "1", "-3 9 !-3"},
+        {"[AddressSpace]\n0x10 (3)=VxiRequiredMemory\n", "10=90", "1", "-99 9 !-99"}};
+    for (const auto &[keys, registers, written, results] : rows)
+        Board_Expect("[Memory]\n0x10 (0xF0)=VxiRequiredMemory\n[Raw]\n0x10 (0xF0)=Value\n" + keys, "",
+                     registers, std::string("#Memory=") + written + " #Raw #Memory", results);
 }
 
 TEST(Keys, CopyTextsAndLists)
 {
-    const Board board("[T]\n0x0B000001 (0)=String\n[L]\n0x0F000001 (0)=List\n", "",
-                      "0B000001=- 0F000001=1,2");
-    EXPECT_EQ(board.Run("#L=(1,2 #T=null #L=null ."), "0 -1 -1 b000001=- f000001=1,2");
+    const Board board(sampleKeys, "", "0B000001=- 0F000001=1,2");
+    EXPECT_EQ(board.Run("#L=(1,2 #T='- #L=(- ."), "0 -1 -1 b000001=- f000001=1,2");
     EXPECT_EQ(board.Run("#L=(1,2,3 #T='abc ."), "0 0 b000001*=abc f000001*=1,2,3");
-    VelkWord text = 0, after = 0;
-    VelkGetKey(board.config, "T", &text);
+    const VelkWord text = TableOf(board.config)->regs[0].value;
     const int64_t calls = AllocationCalls();
     EXPECT_EQ(VelkSetKey(board.config, "T", Word("abc")), 0); // an equal text: the stored one stays
     EXPECT_EQ(AllocationCalls(), calls);
-    VelkGetKey(board.config, "T", &after);
-    EXPECT_EQ(after, text);
     EXPECT_EQ(VelkSetKey(board.config, "T", text + 1), 0); // into the present payload
     EXPECT_EQ(board.Run("#L=( ."), "0 b000001*=bc f000001*=");
 }

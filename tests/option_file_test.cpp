@@ -1,22 +1,15 @@
 // Option files: what loads, and what is refused.
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "tests/support/board.h"
 
 namespace
 {
 
-const char *const keys = "[A]\n0x10 (0xFF)=Value\n[B]\n0x11 (0xFF)=Value\n[1C]\n0x12 (0xFF)=Value\n"
-                         "[T]\n0x0B000001 (0)=String\n[L]\n0x0F000001 (0)=List\n";
+const std::string keys = sampleKeys + std::string("[1C]\n0x12 (0xFF)=Value\n");
 
-// A number option with these rules.
-std::string Option(const std::string &name, const std::string &rules = "default=0:1:9\n")
+// A number option over A.
+std::string Range(const std::string &name, const std::string &rules = "default=0:1:9")
 {
-    return "[" + name + "]\nKeys=A\nValidValuesType=Range\n" + rules;
+    return Option(name, "A", "Range", rules);
 }
 
 // Options 1 to n, each but the last with a rule on the next one.
@@ -24,16 +17,16 @@ std::string Chain(int n)
 {
     std::string text;
     for (int k = 1; k < n; ++k)
-        text += Option(std::to_string(k), std::to_string(k + 1) + ">0=1:1:1\ndefault=0:1:9\n");
-    return text + Option(std::to_string(n));
+        text += Range(std::to_string(k), std::to_string(k + 1) + ">0=1:1:1\ndefault=0:1:9\n");
+    return text + Range(std::to_string(n));
 }
 
 // Options 1 to n with two rules each on X.
 std::string Dependants(int n)
 {
-    std::string text = Option("X");
+    std::string text = Range("X");
     for (int k = 1; k <= n; ++k)
-        text += Option(std::to_string(k), "\"X:1, X!2\"=0:1:9\nX<5=0:1:1\n");
+        text += Range(std::to_string(k), "\"X:1, X!2\"=0:1:9\nX<5=0:1:1\n");
     return text;
 }
 
@@ -41,67 +34,54 @@ std::string Dependants(int n)
 
 TEST(OptionFiles, AreCheckedWhenRead)
 {
-    const std::string end = "\nValidValuesType=range\ndefault=0:1:9\n", get = "[O]\nKeys=A\nGetMethod=";
-    const std::string list = "[O]\nKeys=A\nValidValuesType=List\ndefault=", x = Option("X"),
-                      blanks(1018, ' ');
-    const std::string set = "[O]\nKeys=L\nValidValuesType=listset\ndefault=", keysOf = "[O]\nKeys=";
-    const std::pair<const char *, std::vector<std::string>> rows[] = {
+    const std::string end = "\nValidValuesType=range\ndefault=0:1:9\n", blanks(1018, ' ');
+    const std::string of = "[O]\nKeys=", get = "[O]\nKeys=A\nGetMethod=", x = "=0:1:9\n" + Range("X");
+    const std::string rule = "[O]\nKeys=A\nValidValuesType=Range\n", set = "[O]\nKeys=L\nValidValuesType=";
+    const struct {
+        const char *result;
+        std::string head, tail; // around each of the following
+        std::vector<std::string> texts;
+    } rows[] = {
+        {"", "", "", {"", "[INFORMATION]\nx=1\n[information]\n", Chain(16), Dependants(32)}},
+        {"", of, end, {",A,,B,", "A,A,A,A,A,A,A,A", " A ( >= 5 , B(!=0x10) "}},
+        {"", get, end, {" B : 1 ? A", "B:1" + blanks + "?1"}},
         {"",
-         {"", "[INFORMATION]\nx=1\n[information]\n", keysOf + ",A,,B," + end,
-          keysOf + "A,A,A,A,A,A,A,A" + end, keysOf + " A ( >= 5 , B(!=0x10) " + end, get + " B : 1 ? A" + end,
-          get + "B:1" + blanks + "?1" + end, Option("O", "DEFAULT=0:1:9\n"),
-          Option("O", "\" X : 1 , Y ! 2 \"=0:1:9\n") + x + Option("Y"), Option("O", "\"X>=5\"=0:1:9\n") + x,
-          Option("O", "\"X:1  " + blanks + "\"=0:1:9\n") + x,
-          x + Option("P", "X:1=0:1:9\n") + Option("Q", "X:1,P:1=0:1:9\n"), Chain(16), Dependants(32),
-          Option("O", "default=\n"), Option("O", "default=::0::1:7:9\n"), list + "\n", set + "(7\n"}},
-        {"-9", // incomplete, never defined, in a circle, or too deep
-         {keysOf + ",," + end, "[O]\nKeys=A\nValidValuesType=Range\n", Option("O", ":1=0:1:9\n"),
-          Option("O", "X:1=0:1:9\n"), Option("O", "O:1=0:1:9\n"),
-          Option("O", "X:1=0:1:9\n") + Option("X", "O:1=0:1:9\n"), Chain(17)}},
+         rule,
+         x,
+         {"DEFAULT", "\" X : 1 , X ! 2 \"", "\"X>=5\"", "\"X:1  " + blanks + "\"", "default=\nX:1"}},
+        {"", rule, "\n", {"default=", "default=::0::1:7:9"}},
+        {"", "", "", {Range("X") + Range("P", "X:1=0:1:9") + Range("Q", "X:1,P:1=0:1:9")}},
+        {"", set, "\n", {"listset\ndefault=(7"}},
+        // Incomplete, never defined, in a circle, or too deep.
+        {"-9", "", "", {of + ",," + end, rule, Chain(17), Range("O", "X:1=0:1:9") + Range("X", "O:1=0:1:9")}},
+        {"-9", rule, "=0:1:9\n", {":1", "X:1", "O:1"}},
+        {"-206", of, end, {"A,a", "A, ,B", "A,A,A,A,A,A,A,A,A", "A(", "A(>x)", "A(`1)", "A,T"}},
+        {"-206", of, end, {"A" + std::string(1023, ',')}},
+        {"-206", get, end, {"B1?A", "B:1", "B?1:A", "X:1?2", "B:1?X", "B`1?2", "B:1 " + blanks + "?1"}},
+        {"-206", rule, x, {"default 1", "X:1,", "X:1,,X:2", "\"X:1   " + blanks + "\""}},
+        {"-206", rule, "\n", {"default=0:1", "default=0:x:1"}},
         {"-206",
-         {"[O]\nx\n",
-          "[O]" + end,
-          keysOf + "A,a" + end,
-          keysOf + "A, ,B" + end,
-          keysOf + "A,A,A,A,A,A,A,A,A" + end,
-          keysOf + "A" + std::string(1023, ',') + end,
-          keysOf + "A(" + end,
-          keysOf + "A(>x)" + end,
-          keysOf + "A(`1)" + end,
-          keysOf + "A\ndefault=0:1:9\n",
-          keysOf + "A\nValidValuesType=Ranges\ndefault=0:1:9\n",
-          keysOf + "A,T" + end,
-          keysOf + "L\nValidValuesType=STRING\ndefault=*\n",
-          keysOf + "A\ndefault=0:1:9\nValidValuesType=Range\n", // a fixed item in a rule's place
-          get + "B1?A" + end,
-          get + "B:1" + end,
-          get + "B?1:A" + end,
-          get + "X:1?2" + end,
-          get + "B:1?X" + end,
-          get + "B`1?2" + end,
-          get + "B:1 " + blanks + "?1" + end,
-          Option("O", "default 1=0:1:9\n"),
-          Option("O", "X:1,=0:1:9\n") + x,
-          Option("O", "X:1,,X:2=0:1:9\n") + x,
-          Option("O", "\"X:1   " + blanks + "\"=0:1:9\n") + x,
-          Dependants(33),
-          Option("O", "default=0:1\n"),
-          Option("O", "default=0:x:1\n"),
-          list + "*\n",
-          set + "[1]\n",
-          set + "[(x)]\n",
-          set + "[(1),x]\n"}}};
-    for (const auto &[result, files] : rows)
-        for (const std::string &options : files)
-            Board_Expect(keys, options, nullptr, "", result);
+         "[O]\n",
+         "\n",
+         {"x", end, "Keys=A\ndefault=0:1:9", "Keys=A\ndefault=0:1:9\nValidValuesType=Range"}},
+        {"-206",
+         of,
+         "\n",
+         {"A\nValidValuesType=Ranges\ndefault=0:1:9", "A\nValidValuesType=List\ndefault=*"}},
+        {"-206", set, "\n", {"STRING\ndefault=*", "listset\ndefault=[1]", "listset\ndefault=[(x)]"}},
+        {"-206", set, "\n", {"listset\ndefault=[(1),x]"}},
+        {"-206", "", "", {Dependants(33)}}};
+    for (const auto &row : rows)
+        for (const std::string &text : row.texts)
+            Board_Expect(keys, row.head + text + row.tail, nullptr, "", row.result);
 }
 
 TEST(OptionFiles, ListNamesByBucketThenNewestFirst)
 {
     // B is declared ahead of its definition and keeps that place.
     const Board board(keys,
-                      Option("A", "B:1=0:1:9\n") + Option("AA") + Option("AB") + Option("\xE9") +
-                          Option("B") + Option("BA") + Option("a"),
+                      Range("A", "B:1=0:1:9\n") + Range("AA") + Range("AB") + Range("\xE9") + Range("B") +
+                          Range("BA") + Range("a"),
                       nullptr);
     uint32_t count = 99;
     EXPECT_EQ(VelkNumberOfOptions(board.config, &count), 0);
@@ -118,7 +98,7 @@ TEST(OptionFiles, ListNamesByBucketThenNewestFirst)
 
 TEST(OptionFiles, RedefineOptionsThatKeepTheirDependants)
 {
-    const Board board(keys, "[O]\nKeys=A\nValidValuesType=List\nX:9=(1,2)\ndefault=3\n" + Option("X"),
+    const Board board(keys, "[O]\nKeys=A\nValidValuesType=List\nX:9=(1,2)\ndefault=3\n" + Range("X"),
                       "10=1 11=2",
                       "[O]\nKeys=B\nGetMethod=A:1?1C\nValidValuesType=Range\nX:1=4:1:4\ndefault=0:1:0\n");
     EXPECT_EQ(board.Run("X=1 #B O"), "0 4 1"); // 1: a source that begins with a digit is a number

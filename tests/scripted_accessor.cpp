@@ -70,6 +70,6 @@ VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_SetInternalVRegs(void *unused, VReg
 {
     script->calls += unused == nullptr ? "SetInternal " : "SetInternal(something) ";
     if (script->internal != nullptr)
-        *table = Table_Add(*table, script->internal);
+        *table = Table_FromText(script->internal, *table);
     return script->setInternal;
 }

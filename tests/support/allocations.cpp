@@ -19,15 +19,13 @@ constexpr size_t filledBytes = 65536;
 std::atomic<int64_t> liveBlocks;
 std::atomic<int64_t> calls;
 std::atomic<int64_t> firstFailing{never}; // of `calls`
-std::atomic<int64_t> lastFailing{never};
-std::atomic<bool> fired;
+std::atomic<int64_t> lastFailing;
 
 bool Refuse()
 {
     const int64_t call = ++calls;
     if (call < firstFailing || call > lastFailing)
         return false;
-    fired = true;
     errno = ENOMEM;
     return true;
 }
@@ -46,9 +44,7 @@ extern "C" {
 
 void *__wrap_malloc(size_t size)
 {
-    if (Refuse())
-        return nullptr;
-    void *block = Counted(malloc(size));
+    void *block = Refuse() ? nullptr : Counted(malloc(size));
     if (block != nullptr)
         memset(block, 0xA5, std::min(size, filledBytes));
     return block;
@@ -63,12 +59,8 @@ void *__wrap_realloc(void *block, size_t size)
 {
     if (Refuse())
         return nullptr;
-    void *moved = realloc(block, size);
-    if (block == nullptr)
-        return Counted(moved);
-    if (size == 0 && moved == nullptr)
-        --liveBlocks;
-    return moved;
+    void *moved = realloc(block, size); // to nothing it is never called
+    return block == nullptr ? Counted(moved) : moved;
 }
 
 void __wrap_free(void *block)
@@ -89,26 +81,18 @@ int64_t AllocationCalls()
     return calls;
 }
 
-FailNthAllocation::FailNthAllocation(int64_t nth)
+FailAllocations::FailAllocations(int64_t nth, int64_t count)
 {
-    fired = false;
-    const int64_t call = calls + nth;
-    lastFailing = call;
-    firstFailing = call;
+    firstFailing = calls + nth;
+    lastFailing = firstFailing + count - 1;
 }
 
-FailNthAllocation::~FailNthAllocation()
+FailAllocations::~FailAllocations()
 {
     firstFailing = never;
-    lastFailing = never;
 }
 
-bool FailNthAllocation::Fired() const
+bool FailAllocations::Fired() const
 {
-    return fired;
-}
-
-FailAllocationsFrom::FailAllocationsFrom(int64_t nth) : FailNthAllocation(nth)
-{
-    lastFailing = never;
+    return calls >= firstFailing;
 }

@@ -13,24 +13,15 @@ int64_t LiveAllocations();
 // Calls so far of malloc, calloc and realloc, failed ones included.
 int64_t AllocationCalls();
 
-// While it stands, the nth call from now on of malloc, calloc or realloc fails, n from 1.
-class FailNthAllocation
-{
-  public:
-    explicit FailNthAllocation(int64_t nth);
-    ~FailNthAllocation();
-    FailNthAllocation(const FailNthAllocation &) = delete;
-    FailNthAllocation &operator=(const FailNthAllocation &) = delete;
+// While it stands, `count` calls of malloc, calloc or realloc fail, from the nth from now on, n from 1.
+struct FailAllocations {
+    explicit FailAllocations(int64_t nth, int64_t count = 1);
+    ~FailAllocations();
+    FailAllocations(const FailAllocations &) = delete;
+    FailAllocations &operator=(const FailAllocations &) = delete;
 
     // Whether a call has failed by it.
     [[nodiscard]] bool Fired() const;
-};
-
-// Like FailNthAllocation, but every later call fails too.
-class FailAllocationsFrom : public FailNthAllocation
-{
-  public:
-    explicit FailAllocationsFrom(int64_t nth);
 };
 
 #endif

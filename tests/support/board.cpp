@@ -1,25 +1,24 @@
 #include "tests/support/board.h"
 
-#include <dlfcn.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
-#include <vector>
 
 Script *script;
+
+const char sampleKeys[] =
+    "[A]\n0x10 (0xFFFFFFFF)=Value\n[B]\n0x11 (0xFF)=Value\n[Two]\n0x12 (3)=Index\nArray=1,2\n"
+    "[Gone]\n0x99 (1)=Value\n[T]\n0x0B000001 (0)=String\n[L]\n0x0F000001 (0)=List\n";
+const char sampleRegisters[] = "10=63 11=2 12=0 b000001=abc f000001=1,2";
 
 namespace
 {
 
 std::string Hex(uint64_t value)
 {
-    std::ostringstream text;
-    text << std::hex << value;
-    return text.str();
+    return (std::ostringstream() << std::hex << value).str();
 }
 
 std::vector<std::string> Split(const std::string &text, char separator)
@@ -77,23 +76,24 @@ std::string RunRead(Config *config, const std::string &name)
 
 StatusCode RunSet(Config *config, const std::string &name, const std::string &text)
 {
-    const bool isList = text[0] == '(';
-    VelkWord value = 0;
-    int32_t kind = isList ? ValueKindList : text[0] == '\'' ? ValueKindString : ValueKindNumber;
-    const VelkWord made = kind == ValueKindNumber ? 0 : ValueFromText(kind, text.substr(1));
-    if (text == "null")
-        VelkGetOptionEx(config, name.c_str(), -1, &value, &kind);
-    value = made != 0 || text == "null" ? made : std::stoull(text, nullptr, 0);
+    const int32_t kind = text[0] == '(' ? ValueKindList : text[0] == '\'' ? ValueKindString : ValueKindNumber;
+    const VelkWord value = kind == ValueKindNumber ? static_cast<VelkWord>(std::stoull(text, nullptr, 0))
+                                                   : ValueFromText(kind, text.substr(1));
     const StatusCode status = name[0] == '#' ? VelkSetKey(config, name.c_str() + 1, value)
                                              : VelkSetOptionEx(config, name.c_str(), kind, value);
-    if (made != 0 && isList)
-        List_Delete(reinterpret_cast<List *>(made));
-    if (made != 0 && !isList)
-        String_Delete(reinterpret_cast<char *>(made));
+    if (kind == ValueKindString)
+        String_Delete(reinterpret_cast<char *>(value));
+    if (kind == ValueKindList && value != 0)
+        List_Delete(reinterpret_cast<List *>(value));
     return status;
 }
 
 } // namespace
+
+std::string ReadFile(const std::string &path)
+{
+    return (std::ostringstream() << std::ifstream(path, std::ios::binary).rdbuf()).str();
+}
 
 Directory::Directory()
 {
@@ -106,26 +106,14 @@ Directory::~Directory()
     std::filesystem::remove_all(path);
 }
 
-std::string Directory::Path(const std::string &name) const
-{
-    return path + "/" + name;
-}
-
 void Directory::Write(const std::string &name, const std::string &bytes) const
 {
     std::ofstream(Path(name), std::ios::binary) << bytes;
 }
 
-std::string Directory::Read(const std::string &name) const
-{
-    std::ifstream file(Path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 std::string Directory::Module(const std::string &name, const std::string &missing) const
 {
-    std::ifstream file(VELK_TEST_MODULE_DIR "/scripted_accessor.so", std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    std::string bytes = ReadFile(VELK_TEST_MODULE_DIR "/scripted_accessor.so");
     const std::string symbol = '\0' + missing + '\0';
     for (size_t at = 0; !missing.empty() && (at = bytes.find(symbol, at)) != std::string::npos;)
         bytes[at + 1] = '?';
@@ -133,20 +121,11 @@ std::string Directory::Module(const std::string &name, const std::string &missin
     return Path(name);
 }
 
-std::string Script::TakeCalls()
-{
-    return std::exchange(calls, "");
-}
-
-VRegTable *Table_FromText(const char *text)
-{
-    return Table_Add(AllocateVRegTable(0), text);
-}
-
-VRegTable *Table_Add(VRegTable *table, const char *text)
+VRegTable *Table_FromText(const std::string &text, VRegTable *table)
 {
     const std::vector<std::string> entries = Split(text, ' ');
-    table = GrowVRegTable(table, static_cast<uint32_t>(entries.size()));
+    const auto room = static_cast<uint32_t>(entries.size());
+    table = table == nullptr ? AllocateVRegTable(room) : GrowVRegTable(table, room);
     for (const std::string &entry : entries) {
         const size_t equals = entry.find('=');
         const auto id = static_cast<uint32_t>(std::stoul(entry, nullptr, 16));
@@ -169,30 +148,23 @@ std::string Table_Text(const VRegTable *table)
     return text;
 }
 
-VRegTable *&TableOf(Config *config)
-{
-    return *reinterpret_cast<VRegTable **>(config);
-}
-
 bool IsModuleLoaded(const std::string &module)
 {
-    void *handle = dlopen((module + ".so").c_str(), RTLD_LAZY | RTLD_NOLOAD);
-    if (handle != nullptr)
-        dlclose(handle);
-    return handle != nullptr;
+    return ReadFile("/proc/self/maps").find(module + ".so") != std::string::npos;
 }
 
-Desk::Desk() : previous(script)
+std::string Edited(std::string text, const std::string &what, const std::string &by)
 {
-    script = &answers;
+    const size_t at = text.find(what);
+    EXPECT_NE(at, std::string::npos) << what;
+    return at == std::string::npos ? text : text.replace(at, what.size(), by);
 }
 
 Desk::~Desk()
 {
-    if (engine != nullptr)
-        VelkCloseConfigEngine(engine);
+    Clear();
     script = previous;
-    EXPECT_EQ(LiveAllocations(), liveBefore);
+    EXPECT_TRUE(previous != nullptr || LiveAllocations() == liveBefore) << LiveAllocations() - liveBefore;
 }
 
 StatusCode Desk::Start(const std::string &catalogue)
@@ -201,42 +173,56 @@ StatusCode Desk::Start(const std::string &catalogue)
     return VelkInitializeConfigEngine(directory.path.c_str(), &engine);
 }
 
+StatusCode Desk::Open(const char *className)
+{
+    if (config != nullptr)
+        VelkDiscardConfig(config);
+    return VelkCreateConfig(engine, className, &config);
+}
+
+void Desk::Clear()
+{
+    if (config != nullptr)
+        VelkDiscardConfig(std::exchange(config, nullptr));
+    if (engine != nullptr)
+        VelkCloseConfigEngine(std::exchange(engine, nullptr));
+}
+
+std::string Desk::Run(const std::string &commands) const
+{
+    std::string results;
+    for (const std::string &command : Split(commands, ' ')) {
+        const size_t equals = command.find('=');
+        results += results.empty() ? "" : " ";
+        if (command == ".")
+            results += Table_Text(TableOf(config));
+        else if (equals == std::string::npos)
+            results += RunRead(config, command);
+        else
+            results += std::to_string(RunSet(config, command.substr(0, equals), command.substr(equals + 1)));
+    }
+    return results;
+}
+
 Board::Board(const std::string &keys, const std::string &options, const char *registers,
              const std::string &moreOptions)
 {
     directory.Write("keys.ini", keys);
     directory.Write("options.ini", options);
     directory.Write("more.ini", moreOptions);
-    EXPECT_EQ(Start("[C]\nAccessor=" VELK_TEST_MODULE_DIR
-                    "/scripted_accessor\nKeys=keys.ini\nOptions=options.ini more.ini\n"),
-              0);
-    status = VelkCreateConfig(engine, "C", &config);
     answers.registers = registers;
     answers.loadFromFile = -1;
-    if (status == 0 && registers != nullptr)
-        VelkLoadCurrentConfig(config, 1, 2);
+    const std::string module = VELK_TEST_MODULE_DIR "/scripted_accessor";
+    EXPECT_EQ(Start("[C]\nAccessor=" + module + "\nKeys=keys.ini\nOptions=options.ini more.ini\n"), 0);
+    status = Open("C");
+    EXPECT_TRUE(status != 0 || registers == nullptr || Load() == 0);
     answers.calls.clear();
 }
 
-Board::~Board()
+std::string Option(const std::string &name, const std::string &keys, const std::string &type,
+                   const std::string &rules)
 {
-    if (config != nullptr)
-        VelkDiscardConfig(config);
-}
-
-std::string Board::Run(const std::string &commands) const
-{
-    std::string results;
-    for (const std::string &command : Split(commands, ' ')) {
-        const size_t equals = command.find('=');
-        results += results.empty() ? "" : " ";
-        results +=
-            command == "." ? Table_Text(TableOf(config))
-            : equals == std::string::npos
-                ? RunRead(config, command)
-                : std::to_string(RunSet(config, command.substr(0, equals), command.substr(equals + 1)));
-    }
-    return results;
+    return "[" + name + "]\nKeys=" + keys + "\nValidValuesType=" + type + "\n" + rules + "\n";
 }
 
 void Board_Expect(const std::string &keys, const std::string &options, const char *registers,

@@ -6,13 +6,20 @@
 #ifndef VELK_TESTS_SUPPORT_BOARD_H
 #define VELK_TESTS_SUPPORT_BOARD_H
 
+// What nearly every test uses comes with it.
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "tests/support/allocations.h"
 #include "velk32.h"
+
+std::string ReadFile(const std::string &path);
 
 // A fresh directory, removed with all that is in it.
 struct Directory {
@@ -23,9 +30,15 @@ struct Directory {
     Directory(const Directory &) = delete;
     Directory &operator=(const Directory &) = delete;
 
-    [[nodiscard]] std::string Path(const std::string &name) const;
+    [[nodiscard]] std::string Path(const std::string &name) const
+    {
+        return path + "/" + name;
+    }
+    [[nodiscard]] std::string Read(const std::string &name) const
+    {
+        return ReadFile(Path(name));
+    }
     void Write(const std::string &name, const std::string &bytes) const;
-    [[nodiscard]] std::string Read(const std::string &name) const;
     // A copy of the scripted accessor that lacks an entry point; none for "". Gives what a catalogue names.
     [[nodiscard]] std::string Module(const std::string &name, const std::string &missing = "") const;
 };
@@ -37,82 +50,106 @@ struct Script {
     const char *oldFile;   // what Cfg_LoadFromFile leaves
     const char *internal;  // what Cfg_SetInternalVRegs adds, growing the table
     std::string calls;     // in order, a blank behind each
-
-    // The calls so far, which are then forgotten.
-    std::string TakeCalls();
 };
 extern Script *script; // in force: that of the latest desk
 
-VRegTable *Table_FromText(const char *text);
-VRegTable *Table_Add(VRegTable *table, const char *text); // the table, grown
+VRegTable *Table_FromText(const std::string &text, VRegTable *table = nullptr); // appended, if there is one
 std::string Table_Text(const VRegTable *table);
 
 // The place of the table, with which a configuration begins.
-VRegTable *&TableOf(Config *config);
+inline VRegTable *&TableOf(Config *config)
+{
+    return *reinterpret_cast<VRegTable **>(config);
+}
 
 bool IsModuleLoaded(const std::string &module);
+
+// `text` with `what`, which has to be there, replaced.
+std::string Edited(std::string text, const std::string &what, const std::string &by);
 
 template <typename Type> VelkWord Word(const Type *reference)
 {
     return reinterpret_cast<VelkWord>(reference);
 }
 
-// A directory, a script, and an engine once it is started. Whatever the library holds in the end, but did
-// not at the start, is a failure.
+// A directory, a script, an engine once it is started, and a configuration once a class is opened. What
+// the library holds when the last desk is cleared, but did not before the first, is a failure.
 struct Desk {
     const int64_t liveBefore = LiveAllocations();
     Directory directory;
     Script answers = {};
-    Script *const previous;
+    Script *const previous = std::exchange(script, &answers);
     ConfigEngine *engine = nullptr;
+    Config *config = nullptr;
 
-    Desk();
     ~Desk();
-    Desk(const Desk &) = delete;
-    Desk &operator=(const Desk &) = delete;
 
     StatusCode Start(const std::string &catalogue);
+    StatusCode Open(const char *className); // in place of the configuration so far
+    [[nodiscard]] StatusCode Load(uint32_t first = 0, uint32_t second = 0) const
+    {
+        return VelkLoadCurrentConfig(config, first, second);
+    }
+    [[nodiscard]] StatusCode Save(uint32_t first = 0, uint32_t second = 0) const
+    {
+        return VelkSaveCurrentConfig(config, first, second);
+    }
+    // Their file is called "file".
+    [[nodiscard]] StatusCode LoadFile(const std::string &key = "k") const
+    {
+        return VelkLoadFromFile(config, directory.Path("file").c_str(), key.c_str());
+    }
+    [[nodiscard]] StatusCode SaveFile(const std::string &key = "k") const
+    {
+        return VelkSaveToFile(config, directory.Path("file").c_str(), key.c_str());
+    }
+    void Clear();
+
+    // Carries out commands, separated by blanks, and gives their results. "." gives the registers; "Name"
+    // reads an option and "#Name" a key, "!-3" is a failure; "Name=value" sets it and gives the status. A
+    // value is a number, 'text or (list; '- and (- are null.
+    [[nodiscard]] std::string Run(const std::string &commands) const;
 };
 
 // A class "C" over "keys.ini", "options.ini" and "more.ini", and one configuration of it, which is loaded
 // if `registers` is not null.
 struct Board : Desk {
-    Config *config = nullptr;
-    StatusCode status; // of the creation
+    StatusCode status; // of the class
 
     Board(const std::string &keys, const std::string &options, const char *registers,
           const std::string &moreOptions = "");
-    ~Board();
-
-    // Carries out commands, separated by blanks, and gives their results. "." gives the registers; "Name"
-    // reads an option and "#Name" a key, "!-3" is a failure; "Name=value" sets it and gives the status. A
-    // value is a number, 'text or (list, or "null".
-    [[nodiscard]] std::string Run(const std::string &commands) const;
 };
+
+// Keys for every kind of register, and registers for them; none for the key Gone.
+extern const char sampleKeys[], sampleRegisters[];
+
+// The section of an option in an option file.
+std::string Option(const std::string &name, const std::string &keys, const std::string &type,
+                   const std::string &rules);
 
 // Expects of a new board that its class gives `results` as its status, or loads and gives them in a run.
 void Board_Expect(const std::string &keys, const std::string &options, const char *registers,
                   const std::string &commands, const std::string &results);
 
-// Makes the first allocation of `call` fail, then the second, until the call succeeds without a failure.
-// After each failure `check` gets the status.
-template <typename Call, typename Check> void FailEachAllocation(Call call, Check check)
+// Makes the first allocation of `call` fail, with count - 1 behind it, then the second, until none is left.
+// What `observe` tells may not change before. Gives the statuses in order, repeated ones once.
+template <typename Call, typename Observe>
+std::string FailEachAllocation(Call call, Observe observe, int64_t count = 1)
 {
+    const auto before = observe();
+    std::string statuses, last;
     for (int64_t nth = 1; !testing::Test::HasFailure(); ++nth) {
-        SCOPED_TRACE("allocation " + std::to_string(nth));
-        StatusCode status;
-        bool fired;
-        {
-            const FailNthAllocation fail(nth);
-            status = call();
-            fired = fail.Fired();
-        }
-        if (!fired) {
-            EXPECT_EQ(status, 0);
-            return;
-        }
-        check(status);
+        std::optional<FailAllocations> fail(std::in_place, nth, count);
+        const std::string status = std::to_string(call()) + " ";
+        const bool fired = fail->Fired();
+        fail.reset();
+        if (!fired)
+            return statuses.append("then ").append(status);
+        EXPECT_EQ(observe(), before) << "allocation " << nth;
+        statuses += status != last ? status : "";
+        last = status;
     }
+    return statuses;
 }
 
 #endif
