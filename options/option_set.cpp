@@ -77,14 +77,15 @@ static StatusCode WriteThrough(Config *config, const OptionDef *option, VelkWord
 static StatusCode WriteOrRestore(Config *config, const OptionDef *option, VelkWord value,
                                  const VelkWord *savedValues)
 {
-    VRegTable *snapshot = VRegTable_CopyNew(config->table);
-    if (snapshot == nullptr)
-        return StatusOutOfMemory;
-    const StatusCode status = WriteThrough(config, option, value, savedValues);
+    TableSnapshot snapshot;
+    StatusCode status = TableSnapshot_Take(config->table, &snapshot);
     if (status < 0)
-        VRegTable_Restore(config->table, snapshot);
+        return status;
+    status = WriteThrough(config, option, value, savedValues);
+    if (status < 0)
+        TableSnapshot_Restore(&snapshot, config->table);
     else
-        FreeVRegTable(snapshot);
+        TableSnapshot_Drop(&snapshot);
     return status;
 }
 

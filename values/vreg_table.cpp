@@ -73,39 +73,30 @@ VelkWord VReg_CopyPayload(uint32_t id, VelkWord value)
     return Word_Of(List_CopyNew(Word_AsList(value)));
 }
 
-// Gives each slot a payload of its own in place of the one that it refers to; null where memory runs
-// out. Tells whether all could be had.
-static bool OwnPayloads(VRegTable *table)
+struct PayloadCount {
+    uint32_t referred;
+    uint32_t copied;
+};
+
+// Gives each slot a payload of its own in place of the one that it refers to; null where memory runs out.
+static PayloadCount OwnPayloads(VRegTable *table)
 {
-    bool complete = true;
+    PayloadCount payloads = {0, 0};
     VReg *end = table->regs + VRegTable_Count(table);
     for (VReg *slot = table->regs; slot != end; ++slot) {
         if (!VReg_HasPayload(slot->id) || slot->value == 0)
             continue;
         slot->value = VReg_CopyPayload(slot->id, slot->value);
-        complete = complete && slot->value != 0;
+        ++payloads.referred;
+        payloads.copied += slot->value != 0;
     }
-    return complete;
+    return payloads;
 }
 
 void VELK_CALL CopyVRegTable(const VRegTable *source, VRegTable *destination)
 {
     CopySlots(source, destination);
     OwnPayloads(destination);
-}
-
-VRegTable *VRegTable_CopyNew(const VRegTable *table)
-{
-    // Not zero-filled: clearing it first would touch every byte twice.
-    auto *copy = static_cast<VRegTable *>(malloc(BlockSize(VRegTable_Count(table))));
-    if (copy == nullptr)
-        return nullptr;
-    CopySlots(table, copy);
-    if (!OwnPayloads(copy)) {
-        FreeVRegTable(copy);
-        return nullptr;
-    }
-    return copy;
 }
 
 size_t VReg_PayloadSize(uint32_t id, VelkWord value)
@@ -135,19 +126,42 @@ static void ReleasePayloads(const VRegTable *table)
         VReg_ReleasePayload(slot->id, slot->value);
 }
 
-void VRegTable_Restore(VRegTable *table, VRegTable *snapshot)
-{
-    ReleasePayloads(table);
-    CopySlots(snapshot, table);
-    free(snapshot);
-}
-
 void VELK_CALL FreeVRegTable(VRegTable *table)
 {
     if (table == nullptr)
         return;
     ReleasePayloads(table);
     free(table);
+}
+
+StatusCode TableSnapshot_Take(const VRegTable *table, TableSnapshot *snapshot)
+{
+    // Not zero-filled: clearing it first would touch every byte twice.
+    auto *copy = static_cast<VRegTable *>(malloc(BlockSize(VRegTable_Count(table))));
+    if (copy == nullptr)
+        return StatusOutOfMemory;
+    CopySlots(table, copy);
+    const PayloadCount payloads = OwnPayloads(copy);
+    if (payloads.copied != payloads.referred) {
+        FreeVRegTable(copy);
+        return StatusOutOfMemory;
+    }
+    *snapshot = {copy, payloads.copied != 0};
+    return 0;
+}
+
+void TableSnapshot_Restore(const TableSnapshot *snapshot, VRegTable *table)
+{
+    ReleasePayloads(table);
+    CopySlots(snapshot->copy, table);
+    free(snapshot->copy);
+}
+
+void TableSnapshot_Drop(const TableSnapshot *snapshot)
+{
+    if (snapshot->hasPayloads)
+        ReleasePayloads(snapshot->copy);
+    free(snapshot->copy);
 }
 
 VReg *VELK_CALL LookupVReg(VRegTable *table, uint32_t id, int32_t instance)

@@ -62,11 +62,19 @@ void VReg_ReleasePayload(uint32_t id, VelkWord value);
 // The slots in use; 0 for a null table.
 uint32_t VRegTable_Count(const VRegTable *table);
 
-// A copy of the header and the slots in use, payloads included, in a block of just that size; null
-// when memory runs out, for a payload too. The snapshot of a set.
-VRegTable *VRegTable_CopyNew(const VRegTable *table);
+// A table as it was: its header and slots in use, payloads included, in a block of just that size.
+struct TableSnapshot {
+    VRegTable *copy;
+    bool hasPayloads; // without any, nothing has to be looked for when the copy goes
+};
+
+// Takes a snapshot: 0, or -1 when memory runs out, for a payload too, with nothing taken.
+StatusCode TableSnapshot_Take(const VRegTable *table, TableSnapshot *snapshot);
 
 // Puts a table back to its snapshot, which is used up: its payloads move. Needs no memory.
-void VRegTable_Restore(VRegTable *table, VRegTable *snapshot);
+void TableSnapshot_Restore(const TableSnapshot *snapshot, VRegTable *table);
+
+// Releases a snapshot that is not needed any more.
+void TableSnapshot_Drop(const TableSnapshot *snapshot);
 
 #endif
