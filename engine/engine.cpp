@@ -6,7 +6,6 @@
 #include "values/memory.h"
 
 #include <cstdio>
-#include <cstring>
 
 // Releases an engine without classes, complete or not.
 static void Engine_Delete(ConfigEngine *engine)

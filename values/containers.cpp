@@ -1,5 +1,5 @@
+#include "values/list.h"
 #include "values/memory.h"
-#include "values/vreg_table.h"
 #include "velk32.h"
 
 #include <cstring>

@@ -1,5 +1,6 @@
 #include "values/vreg_table.h"
 
+#include "values/list.h"
 #include "values/memory.h"
 
 #include <cstddef>

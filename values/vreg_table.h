@@ -46,12 +46,6 @@ StatusCode VReg_GetKind(uint32_t id, int32_t *kind);
 // out.
 VelkWord VReg_CopyPayload(uint32_t id, VelkWord value);
 
-// Elements in use of a list.
-inline size_t List_Length(const List *list)
-{
-    return list->count < 1 ? 0 : static_cast<size_t>(list->count);
-}
-
 // The bytes of the payload `value` of a string or list register of this id, the record of a list included;
 // 0 for null.
 size_t VReg_PayloadSize(uint32_t id, VelkWord value);
