@@ -44,7 +44,8 @@ VRegTable *VELK_CALL AllocateVRegTable(uint32_t capacity)
 VRegTable *VELK_CALL GrowVRegTable(VRegTable *table, uint32_t extra)
 {
     const uint32_t capacity = table->capacity;
-    const size_t size = extra > UINT32_MAX - capacity ? 0 : BlockSize(uint64_t{capacity} + extra);
+    const uint64_t wanted = uint64_t{capacity} + extra;
+    const size_t size = wanted > UINT32_MAX ? 0 : BlockSize(wanted);
     VRegTable *grown = size == 0 ? nullptr : static_cast<VRegTable *>(realloc(table, size));
     if (grown == nullptr)
         return nullptr;

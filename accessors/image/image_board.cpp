@@ -63,8 +63,8 @@ static StatusCode List_Get(const Place *place, const uint8_t *bytes, VelkWord *v
     List *list = List_New(static_cast<int32_t>(count));
     if (list == nullptr)
         return StatusOutOfMemory;
-    for (uint32_t i = 0; i < count; ++i)
-        list->items[i] = Number_Get(place, bytes + size_t{i} * place->width);
+    for (size_t i = 0; i < count; ++i)
+        list->items[i] = Number_Get(place, bytes + i * place->width);
     list->count = static_cast<int32_t>(count);
     *value = reinterpret_cast<VelkWord>(list);
     return 0;
