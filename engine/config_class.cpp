@@ -10,37 +10,17 @@
 // The longest list of definition files in the catalogue, with its terminator, in bytes.
 constexpr int32_t FileListSize = 128;
 
-template <typename Function> static bool Resolve(Module module, const char *entry, Function *function)
-{
-    *function = reinterpret_cast<Function>(Module_Resolve(module, entry));
-    return *function != nullptr;
-}
-
-static bool Accessor_ResolveMandatory(Accessor *accessor)
-{
-    const Module module = accessor->module;
-    return Resolve(module, "Cfg_GetVersion", &accessor->getVersion) &&
-           Resolve(module, "Cfg_InitializeAccessor", &accessor->initializeAccessor) &&
-           Resolve(module, "Cfg_CloseAccessor", &accessor->closeAccessor) &&
-           Resolve(module, "Cfg_CreateSession", &accessor->createSession) &&
-           Resolve(module, "Cfg_CloseSession", &accessor->closeSession) &&
-           Resolve(module, "Cfg_Read", &accessor->read) && Resolve(module, "Cfg_Write", &accessor->write);
-}
-
-// A failure leaves the module to ConfigClass_Open.
+// A failure leaves a module that is loaded to ConfigClass_Open.
 static StatusCode ConfigClass_LoadAccessor(ConfigClass *configClass, Profile *catalogue)
 {
     Accessor *accessor = &configClass->accessor;
     char *moduleName;
     if (IniGetPointerToString(catalogue, configClass->name, "Accessor", &moduleName) != 1)
         return StatusBadClass;
-    if (Module_Load(moduleName, &accessor->module) < 0)
-        return StatusAccessorLoadFailed;
-    if (!Accessor_ResolveMandatory(accessor))
-        return StatusAccessorLoadFailed;
-    Resolve(accessor->module, "Cfg_LoadFromFile", &accessor->loadFromFile);
-    Resolve(accessor->module, "Cfg_SetInternalVRegs", &accessor->setInternalVRegs);
-    const StatusCode status = accessor->initializeAccessor(configClass, configClass->engine->directory);
+    StatusCode status = Accessor_Load(moduleName, accessor);
+    if (status < 0)
+        return status;
+    status = accessor->initializeAccessor(configClass, configClass->engine->directory);
     return status < 0 ? status : 0;
 }
 

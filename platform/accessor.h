@@ -18,4 +18,8 @@ struct Accessor {
     decltype(&Cfg_SetInternalVRegs) setInternalVRegs; // likewise
 };
 
+// Loads a module by its name and resolves its entry points. Gives 0; -204 it cannot be loaded or lacks an
+// entry point that has to be there, and no module is held. The reference to the module is the caller's.
+StatusCode Accessor_Load(const char *name, Accessor *accessor);
+
 #endif

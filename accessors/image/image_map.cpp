@@ -1,6 +1,6 @@
 #include "accessors/image/image_map.h"
 
-#include "accessors/image/setting_text.h"
+#include "accessors/setting_text.h"
 #include "platform/file.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "accessors/image/image_place.h"
 
-#include "accessors/image/setting_text.h"
+#include "accessors/setting_text.h"
 
 static bool Place_ParseOrder(const char **text, Place *place)
 {

@@ -1,4 +1,4 @@
-#include "accessors/image/setting_text.h"
+#include "accessors/setting_text.h"
 
 #include <cstring>
 

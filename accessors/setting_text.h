@@ -1,6 +1,6 @@
 // Words and numbers in the texts of the settings. Nothing here keeps or changes a text.
-#ifndef VELK_IMAGE_SETTING_TEXT_H
-#define VELK_IMAGE_SETTING_TEXT_H
+#ifndef VELK_ACCESSORS_SETTING_TEXT_H
+#define VELK_ACCESSORS_SETTING_TEXT_H
 
 #include <cstddef>
 #include <cstdint>
