@@ -6,7 +6,7 @@ set(accessorDir "${CMAKE_INSTALL_LIBDIR}/velk")
 
 install(FILES include/velk32.h include/velk32_accessor.h DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(TARGETS velk32 EXPORT velk32Targets LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
-install(TARGETS velkimage LIBRARY DESTINATION "${accessorDir}")
+install(TARGETS velkimage velkfaulty LIBRARY DESTINATION "${accessorDir}")
 
 install(EXPORT velk32Targets NAMESPACE velk32:: DESTINATION "${packageDir}")
 configure_package_config_file(cmake/velk32Config.cmake.in
