@@ -20,12 +20,22 @@
  * Numbers are unsigned and 32 bits wide. Where one travels in a VelkWord, it is zero-extended when
  * handed out, and only the low 32 bits are looked at when passed in.
  *
- * Threads. The library has no thread and no lock of its own. Calls on different engines, and calls
- * on different configurations of a class that is loaded, may run at the same time, with the
- * exception of calls that enter the same accessor module (the VelkCreateConfig that loads a class,
- * VelkCloseConfigEngine, VelkLoadCurrentConfig, VelkSaveCurrentConfig, VelkLoadFromFile), unless that
- * module allows it. Calls on one configuration, and class loads on one engine beside any other call
- * on that engine, are serialised by the client. The containers and VelkStrError have no shared state.
+ * Threads. The library has no thread and no lock of its own, and no state outside its objects. At the
+ * same time may run
+ *   - calls on different engines, and on configurations of different engines;
+ *   - calls on different configurations of one engine, of one class or of several. VelkCreateConfig for
+ *     a class that is loaded counts as a call on the configuration that it makes, VelkDuplicateConfig
+ *     as one on both of its configurations;
+ *   - VelkStrError beside anything, and calls of the containers on different objects.
+ * The client serialises
+ *   - calls on one configuration, those that only read it included;
+ *   - a VelkCreateConfig that loads a class (each of its name up to the first that succeeds) and
+ *     VelkCloseConfigEngine, beside any other call on that engine and its configurations but
+ *     VelkDiscardConfig;
+ *   - calls that enter the same accessor module, unless that module allows them: those two,
+ *     VelkLoadCurrentConfig, VelkSaveCurrentConfig and VelkLoadFromFile. The accessor velkimage allows
+ *     all of them, velkfaulty what the accessor allows that it wraps.
+ * A file may be saved by several threads and processes at once: it is one of theirs, as a whole.
  */
 #ifndef VELK32_H
 #define VELK32_H
