@@ -52,13 +52,19 @@ static FileStatus Status_FromError(int error)
     }
 }
 
+// Makes a system call, again for as long as it is interrupted: file systems over a network or in a process
+// interrupt others than those that wait. A close is not for this, for its descriptor is gone.
+template <typename Call> static auto System_Call(Call call)
+{
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
+}
+
 static int Handle_OpenAt(int directory, const char *path, int flags, mode_t mode)
 {
-    int handle;
-    do {
-        handle = openat(directory, path, flags | O_CLOEXEC | O_NOCTTY, mode);
-    } while (handle < 0 && errno == EINTR);
-    return handle;
+    return System_Call([&] { return openat(directory, path, flags | O_CLOEXEC | O_NOCTTY, mode); });
 }
 
 static int Handle_Open(const char *path, int flags)
@@ -70,9 +76,7 @@ static FileStatus Handle_Write(int handle, const void *bytes, size_t size)
 {
     const auto *at = static_cast<const char *>(bytes);
     while (size > 0) {
-        const ssize_t written = write(handle, at, size);
-        if (written < 0 && errno == EINTR)
-            continue;
+        const ssize_t written = System_Call([&] { return write(handle, at, size); });
         if (written < 0)
             return Status_FromError(errno);
         at += written;
@@ -84,29 +88,39 @@ static FileStatus Handle_Write(int handle, const void *bytes, size_t size)
 // EINVAL: this kind of file has nothing to flush to.
 static FileStatus Handle_Flush(int handle)
 {
-    int result;
-    do {
-        result = fsync(handle);
-    } while (result < 0 && errno == EINTR);
+    const int result = System_Call([&] { return fsync(handle); });
     return result == 0 || errno == EINVAL ? FileDone : Status_FromError(errno);
 }
 
 static bool Handle_Lock(int handle)
 {
-    int result;
-    do {
-        result = flock(handle, LOCK_EX | LOCK_NB);
-    } while (result < 0 && errno == EINTR);
-    return result == 0;
+    return System_Call([&] { return flock(handle, LOCK_EX | LOCK_NB); }) == 0;
 }
 
-// Whether an open file is still the one of that name in the directory.
-static bool Handle_IsNamed(int handle, int directory, const char *name)
+static int Handle_Look(int handle, struct stat *found)
+{
+    return System_Call([&] { return fstat(handle, found); });
+}
+
+// A symbolic link is not followed.
+static int Name_Look(int directory, const char *name, struct stat *found)
+{
+    return System_Call([&] { return fstatat(directory, name, found, AT_SYMLINK_NOFOLLOW); });
+}
+
+static void Name_Remove(int directory, const char *name)
+{
+    System_Call([&] { return unlinkat(directory, name, 0); });
+}
+
+// Whether an open file is still the one of that name in the directory: FileMissing if it is not.
+static FileStatus Handle_CheckName(int handle, int directory, const char *name)
 {
     struct stat own;
     struct stat named;
-    return fstat(handle, &own) == 0 && fstatat(directory, name, &named, AT_SYMLINK_NOFOLLOW) == 0 &&
-           own.st_dev == named.st_dev && own.st_ino == named.st_ino;
+    if (Handle_Look(handle, &own) != 0 || Name_Look(directory, name, &named) != 0)
+        return Status_FromError(errno);
+    return own.st_dev == named.st_dev && own.st_ino == named.st_ino ? FileDone : FileMissing;
 }
 
 static FileStatus File_Open(const char *path, int flags, File *file)
@@ -135,7 +149,7 @@ static FileStatus Link_Read(const char *path, char **link)
             return FileFailed;
         }
         text = grown;
-        const ssize_t length = readlink(path, text, size);
+        const ssize_t length = System_Call([&] { return readlink(path, text, size); });
         if (length < 0) {
             const int reason = errno;
             free(text);
@@ -214,15 +228,15 @@ static bool Name_IsOfNewFile(const char *name)
 static void Directory_RemoveIfDead(int directory, const char *name)
 {
     struct stat found;
-    if (fstatat(directory, name, &found, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(found.st_mode))
+    if (Name_Look(directory, name, &found) != 0 || !S_ISREG(found.st_mode))
         return;
     int handle = Handle_OpenAt(directory, name, O_WRONLY | O_NOFOLLOW | O_NONBLOCK, 0);
     if (handle < 0) // one that already has the permission bits of a file not to be written
         handle = Handle_OpenAt(directory, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0);
     if (handle < 0)
         return;
-    if (Handle_Lock(handle) && Handle_IsNamed(handle, directory, name))
-        unlinkat(directory, name, 0);
+    if (Handle_Lock(handle) && Handle_CheckName(handle, directory, name) == FileDone)
+        Name_Remove(directory, name);
     close(handle);
 }
 
@@ -260,8 +274,8 @@ static void NewFile_Name(NewFile *file, int attempt)
 }
 
 // Makes an empty file and locks it. Between the two another process may take it for a dead one's and
-// remove it: the lock counts only while the file still has its name. A file system without locks
-// has no process that removes either.
+// remove it: the lock counts unless the file has lost its name. A file system without locks has no
+// process that removes either.
 static FileStatus NewFile_Make(const Target &target, NewFile *file)
 {
     const mode_t mode = target.exists ? 0600 : 0666;
@@ -274,7 +288,7 @@ static FileStatus NewFile_Make(const Target &target, NewFile *file)
         if (file->handle < 0)
             return Status_FromError(errno);
         const bool isLocked = Handle_Lock(file->handle) || errno != EWOULDBLOCK;
-        if (isLocked && Handle_IsNamed(file->handle, target.directory, file->name))
+        if (isLocked && Handle_CheckName(file->handle, target.directory, file->name) != FileMissing)
             return FileDone;
         close(file->handle);
     }
@@ -286,10 +300,17 @@ static FileStatus NewFile_Make(const Target &target, NewFile *file)
 static FileStatus NewFile_TakeAttributes(const NewFile &file, const struct stat &old)
 {
     constexpr auto anyUser = static_cast<uid_t>(-1);
-    const bool isGiven =
-        fchown(file.handle, old.st_uid, old.st_gid) == 0 || fchown(file.handle, anyUser, old.st_gid) == 0;
-    static_cast<void>(isGiven);
-    return fchmod(file.handle, old.st_mode & PermissionBits) == 0 ? FileDone : Status_FromError(errno);
+    if (System_Call([&] { return fchown(file.handle, old.st_uid, old.st_gid); }) != 0)
+        System_Call([&] { return fchown(file.handle, anyUser, old.st_gid); });
+    const int result = System_Call([&] { return fchmod(file.handle, old.st_mode & PermissionBits); });
+    return result == 0 ? FileDone : Status_FromError(errno);
+}
+
+static FileStatus NewFile_TakeName(const NewFile &file, const Target &target)
+{
+    const int result =
+        System_Call([&] { return renameat(target.directory, file.name, target.directory, target.name); });
+    return result == 0 ? FileDone : Status_FromError(errno);
 }
 
 static FileStatus NewFile_Complete(const NewFile &file, const Target &target, const void *bytes, size_t size)
@@ -299,9 +320,7 @@ static FileStatus NewFile_Complete(const NewFile &file, const Target &target, co
         status = NewFile_TakeAttributes(file, target.old);
     if (status == FileDone)
         status = Handle_Flush(file.handle);
-    if (status == FileDone && renameat(target.directory, file.name, target.directory, target.name) != 0)
-        status = Status_FromError(errno);
-    return status;
+    return status == FileDone ? NewFile_TakeName(file, target) : status;
 }
 
 static void Target_FlushDirectory(const Target &target)
@@ -324,7 +343,7 @@ static FileStatus Target_Replace(const Target &target, const void *bytes, size_t
     if (status == FileDone)
         Target_FlushDirectory(target);
     if (status != FileDone)
-        unlinkat(target.directory, file.name, 0);
+        Name_Remove(target.directory, file.name);
     close(file.handle);
     return status;
 }
@@ -336,8 +355,7 @@ static FileStatus Directory_Replace(int directory, const char *name, bool exists
                                     size_t size)
 {
     Target target = {directory, name, exists, {}};
-    if (exists &&
-        (fstatat(directory, name, &target.old, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(target.old.st_mode)))
+    if (exists && (Name_Look(directory, name, &target.old) != 0 || !S_ISREG(target.old.st_mode)))
         return FileFailed;
     return Target_Replace(target, bytes, size);
 }
@@ -427,28 +445,24 @@ void File_Close(File file)
 int64_t File_Size(File file)
 {
     struct stat found;
-    if (fstat(File_Handle(file), &found) != 0)
+    if (Handle_Look(File_Handle(file), &found) != 0)
         return -1;
     return S_ISREG(found.st_mode) ? found.st_size : 0;
 }
 
 int64_t File_ReadNext(File file, void *buffer, size_t size)
 {
-    ssize_t got;
-    do {
-        got = read(File_Handle(file), buffer, size);
-    } while (got < 0 && errno == EINTR);
-    return got;
+    return System_Call([&] { return read(File_Handle(file), buffer, size); });
 }
 
 int64_t File_ReadAt(File file, uint64_t offset, void *buffer, size_t size)
 {
     size_t done = 0;
     while (done < size) {
-        const ssize_t got = pread(File_Handle(file), static_cast<char *>(buffer) + done, size - done,
-                                  static_cast<off_t>(offset + done));
-        if (got < 0 && errno == EINTR)
-            continue;
+        const ssize_t got = System_Call([&] {
+            return pread(File_Handle(file), static_cast<char *>(buffer) + done, size - done,
+                         static_cast<off_t>(offset + done));
+        });
         if (got < 0)
             return -1;
         if (got == 0)
@@ -462,10 +476,10 @@ FileStatus File_WriteAt(File file, uint64_t offset, const void *bytes, size_t si
 {
     size_t done = 0;
     while (done < size) {
-        const ssize_t written = pwrite(File_Handle(file), static_cast<const char *>(bytes) + done,
-                                       size - done, static_cast<off_t>(offset + done));
-        if (written < 0 && errno == EINTR)
-            continue;
+        const ssize_t written = System_Call([&] {
+            return pwrite(File_Handle(file), static_cast<const char *>(bytes) + done, size - done,
+                          static_cast<off_t>(offset + done));
+        });
         if (written < 0)
             return Status_FromError(errno);
         done += static_cast<size_t>(written);
@@ -485,7 +499,7 @@ FileStatus File_Replace(const char *path, const void *bytes, size_t size)
         return errno == ENOENT ? Path_Replace(path, false, bytes, size) : Status_FromError(errno);
 
     struct stat old;
-    FileStatus status = fstat(handle, &old) == 0 ? FileDone : FileFailed;
+    FileStatus status = Handle_Look(handle, &old) == 0 ? FileDone : FileFailed;
     const bool isInPlace = status == FileDone && !S_ISREG(old.st_mode);
     if (isInPlace)
         status = Handle_Write(handle, bytes, size);
