@@ -1,14 +1,11 @@
-// What saving to a file leaves in its directory, in good and in bad ends.
+// What saving to a file leaves in its directory.
 #include "platform/file.h"
 
-#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <set>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -114,57 +111,6 @@ TEST(File, ReplaceWritesAPipeInPlace)
     EXPECT_EQ(Names(directory), "pipe ");
 }
 
-TEST(File, ReplaceThatFailsLeavesTheOldFileAlone)
-{
-    // Modes of the directory and of the file, the largest file, and the status.
-    static const std::tuple<const char *, mode_t, mode_t, rlim_t, FileStatus> rows[] = {
-        {"file that may not be written", 0777, 0444, RLIM_INFINITY, FileDenied},
-        {"directory that may not be written", 0555, 0666, RLIM_INFINITY, FileDenied},
-        {"write that stops half-way", 0777, 0666, 5000, FileFailed},
-    };
-    for (const auto &[name, directoryMode, fileMode, room, expected] : rows) {
-        SCOPED_TRACE(name);
-        const Directory directory;
-        directory.Write("file", "old");
-        const std::string path = directory.Path("file");
-        ASSERT_EQ(chmod(path.c_str(), fileMode), 0);
-        ASSERT_EQ(chmod(directory.path.c_str(), directoryMode), 0);
-        const pid_t child = fork(); // whose limits and rights these are
-        if (child == 0) {
-            const rlimit limit = {room, room};
-            signal(SIGXFSZ, SIG_IGN);
-            if (setrlimit(RLIMIT_FSIZE, &limit) != 0 || (geteuid() == 0 && seteuid(65534) != 0))
-                _exit(1);
-            _exit(-Replace(path, std::string(100000, 'n')));
-        }
-        int status = 0;
-        EXPECT_EQ(waitpid(child, &status, 0), child);
-        EXPECT_EQ(status, W_EXITCODE(-expected, 0));
-        EXPECT_EQ(directory.Read("file"), "old");
-        EXPECT_EQ(Names(directory), "file ");
-        chmod(directory.path.c_str(), 0700);
-    }
-}
-
-TEST(File, ReplaceRemovesWhatTheDeadLeftAndNothingElse)
-{
-    const Directory directory;
-    for (const char *name : {"file", ".velk-save-dead000001", ".velk-save-alive00001",
-                             ".velk-save-long0000001", ".velk-save-Settings01"})
-        directory.Write(name, "x");
-    std::filesystem::create_directory(directory.Path(".velk-save-folder0001"));
-    std::filesystem::create_symlink("file", directory.Path(".velk-save-linked0001"));
-    const int living = open(directory.Path(".velk-save-alive00001").c_str(), O_WRONLY | O_CLOEXEC);
-    ASSERT_EQ(flock(living, LOCK_EX), 0);
-
-    const std::string kept = ".velk-save-folder0001 .velk-save-linked0001 .velk-save-long0000001 file ";
-    EXPECT_EQ(Replace(directory.Path("file"), "new"), FileDone);
-    EXPECT_EQ(Names(directory), ".velk-save-Settings01 .velk-save-alive00001 " + kept);
-    close(living);
-    EXPECT_EQ(Replace(directory.Path("file"), "newer"), FileDone);
-    EXPECT_EQ(Names(directory), ".velk-save-Settings01 " + kept);
-}
-
 TEST(File, ReplacesAtOnceGiveOneOfThem)
 {
     const Directory directory;
@@ -180,19 +126,4 @@ TEST(File, ReplacesAtOnceGiveOneOfThem)
     const std::string bytes = directory.Read("file");
     EXPECT_EQ(bytes, std::string(5000, bytes[0]));
     EXPECT_EQ(Names(directory), "file ");
-}
-
-TEST(File, ReadsInPlace)
-{
-    const Directory directory;
-    directory.Write("file", "0123456789");
-    char buffer[16] = {};
-    File file = {};
-    EXPECT_EQ(File_OpenToChange(directory.path.c_str(), &file), FileFailed);
-    ASSERT_EQ(File_OpenToRead(directory.Path("file").c_str(), &file), FileDone);
-    EXPECT_EQ(File_Size(file), 10);
-    EXPECT_EQ(File_ReadNext(file, buffer, 7) + File_ReadAt(file, 9, buffer, 7), 8);
-    EXPECT_EQ(File_ReadAt(file, UINT64_MAX, buffer, 7), -1);
-    EXPECT_EQ(File_WriteAt(file, 0, "x", 1), FileFailed);
-    File_Close(file);
 }
