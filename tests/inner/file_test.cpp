@@ -42,7 +42,7 @@ mode_t Mode(const std::string &path)
 
 TEST(File, ReplaceKeepsPermissionBitsAndLeavesNothingElse)
 {
-    for (const mode_t mode : {0600U, 0640U, 0666U, 0755U}) {
+    for (const mode_t mode : {0600U, 0640U, 0666U, 0755U, 07755U}) {
         SCOPED_TRACE(mode);
         const Directory directory;
         directory.Write("file", "old and longer");
@@ -50,7 +50,7 @@ TEST(File, ReplaceKeepsPermissionBitsAndLeavesNothingElse)
         ASSERT_EQ(chmod(path.c_str(), mode), 0);
         EXPECT_EQ(Replace(path, "new"), FileDone);
         EXPECT_EQ(directory.Read("file"), "new");
-        EXPECT_EQ(Mode(path), S_IFREG | mode);
+        EXPECT_EQ(Mode(path), S_IFREG | (mode & 0777U));
         EXPECT_EQ(Names(directory), "file ");
     }
 
