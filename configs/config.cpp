@@ -1,6 +1,7 @@
 #include "configs/config.h"
 
 #include "engine/config_class.h"
+#include "values/limits.h"
 #include "values/memory.h"
 #include "values/vreg_table.h"
 

@@ -14,11 +14,6 @@ struct RetiredPayload {
     VelkWord value;
 };
 
-// Once a set keeps more bytes of replaced payloads than this, the next one to be replaced makes it fail as
-// when memory runs out. Paths multiply where options meet again, so that a small definition could ask for
-// all there is.
-constexpr size_t MaxRetiredSize = size_t{64} << 20;
-
 // What one exported set has under way.
 struct SetRun {
     // Payloads replaced by the set live until it has ended and its change list is compared: saved values

@@ -1,6 +1,7 @@
 #include "configs/config.h"
 #include "engine/config_class.h"
 #include "platform/profile.h"
+#include "values/limits.h"
 #include "values/list.h"
 #include "values/memory.h"
 #include "values/number_list.h"

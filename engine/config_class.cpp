@@ -3,6 +3,7 @@
 #include "keys/key_def.h"
 #include "options/option_def.h"
 #include "platform/file.h"
+#include "values/limits.h"
 #include "values/memory.h"
 #include "values/number_list.h"
 #include "values/text.h"

@@ -3,13 +3,10 @@
 #include "options/change_list.h"
 #include "options/option_def.h"
 #include "options/option_read.h"
+#include "values/limits.h"
 #include "values/vreg_table.h"
 
 #include <cstdlib>
-
-// Options that one set may apply. Paths multiply where options meet again, so that a small definition
-// could keep a set busy for years.
-constexpr uint32_t MaxApplications = 1048576;
 
 // The present value of each dependant of an option. A list or string stays readable while the set is
 // under way, whatever is written in between.

@@ -8,10 +8,6 @@
 // Takes one value into `target`: 0, or a negative status.
 using NumberAppendFn = StatusCode (*)(void *target, uint32_t value);
 
-// All number lists of one class load together, and those of one save file, may hold so many values: a
-// range of twenty characters could ask for the memory of the machine. Far above any real list.
-constexpr uint32_t NumberListLimit = 4194304;
-
 // Hands the values of a list to `append` in the order of the text, which is cut up. `numbersLeft` goes
 // down with each. Gives 0; -10 malformed; -1 `numbersLeft` is used up; or the status of `append`. The
 // values handed over before a failure stay in `target`.
