@@ -1,5 +1,6 @@
-// The accessor of targets that have none to test. A board has the registers of its class's keys; its number
-// is the seed of what they hold, and of which ones are missing.
+// The accessor of targets that have none to test. A board has the registers of its class's keys. The
+// first few boards have all of them, and every number is the board's; of the others the number is the seed of
+// what they hold, and of which ones are missing.
 #include <algorithm>
 
 #include "configs/config.h"
@@ -11,6 +12,9 @@
 constexpr uint32_t MaxInstances = 3;
 constexpr uint32_t InternalId = 0xF0000001;
 
+constexpr uint32_t PlainBoards = 4;
+
+static uint32_t board;
 static uint32_t seed;
 
 static uint32_t NextRandom()
@@ -21,6 +25,8 @@ static uint32_t NextRandom()
 
 static VelkWord MakeUpValue(uint32_t id)
 {
+    if (!VReg_HasPayload(id) && board < PlainBoards)
+        return board;
     if (!VReg_HasPayload(id))
         return NextRandom() % 2 == 0 ? NextRandom() % 4 : NextRandom() * NextRandom();
     if (NextRandom() % 8 == 0)
@@ -44,7 +50,8 @@ static int32_t AddRegistersOfKey(const NameNode *node, void *context)
     auto *table = static_cast<VRegTable **>(context);
     const auto *key = static_cast<const KeyDef *>(node->value);
     for (uint32_t n = 1; n <= std::min(key->instance, MaxInstances); ++n)
-        if (LookupVReg(*table, key->vregId, static_cast<int32_t>(n)) == nullptr && NextRandom() % 32 != 0)
+        if (LookupVReg(*table, key->vregId, static_cast<int32_t>(n)) == nullptr &&
+            (board < PlainBoards || NextRandom() % 32 != 0))
             AddRegister(table, key->vregId);
     return 0;
 }
@@ -65,10 +72,10 @@ VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_CloseAccessor(void)
     return 0;
 }
 
-VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_CreateSession(uint32_t board, uint32_t, VelkWord *session)
+VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_CreateSession(uint32_t first, uint32_t, VelkWord *session)
 {
-    *session = board;
-    return board == 255 ? StatusWrongHardware : 0;
+    *session = first;
+    return first == 255 ? StatusWrongHardware : 0;
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_CloseSession(VelkWord)
@@ -78,7 +85,7 @@ VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_CloseSession(VelkWord)
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_Read(VelkWord session, Config *config)
 {
-    seed = static_cast<uint32_t>(session);
+    board = seed = static_cast<uint32_t>(session);
     config->table = AllocateVRegTable(0);
     return NameTable_ForEach(&config->configClass->keys, AddRegistersOfKey, &config->table);
 }
@@ -90,7 +97,7 @@ VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_Write(VelkWord session, VRegTable *
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_SetInternalVRegs(void *, VRegTable **table)
 {
-    seed = 1;
+    board = seed = 1;
     AddRegister(table, InternalId);
     return 0;
 }

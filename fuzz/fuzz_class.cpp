@@ -191,7 +191,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     Input_Count(desk.config != nullptr);
     if (desk.config != nullptr) {
         Play play = {desk.config, desk.other, {parts[4], 0}, {}, ""};
-        NameTable_ForEach(&desk.config->configClass->options, AddName, &play.names);
+        uint32_t count;
+        VelkNumberOfOptions(desk.config, &count);
+        play.names.resize(count);
+        Check(VelkGetOptionNames(desk.config, play.names.data(), count) == 0, "options that are counted");
         NameTable_ForEach(&desk.config->configClass->keys, AddName, &play.names);
         play.names.push_back("k");
         if (Bytes_Take(&play.bytes) % 16 != 0)
