@@ -167,7 +167,7 @@ TEST(Threads, ComeToWhatEachComesToAlone)
     constexpr uint32_t rounds = 50;
     const std::string alone = Work(site, false, rounds);
     EXPECT_EQ(Work(site, true, rounds), alone);
-    for (int kind = 0; kind < KindCount; ++kind) {
+    for (size_t kind = 0; kind < KindCount; ++kind) {
         printf("%s beside another call: %d\n", kindNames[kind], overlapped[kind].load());
         EXPECT_GT(overlapped[kind].load(), 0) << kindNames[kind];
     }
