@@ -2,7 +2,7 @@
 
 find_package(Threads REQUIRED)
 
-# What holds for every target: language level, warnings, sanitizers, hardening.
+# What holds for every target: language level, warnings, sanitizers, coverage, hardening.
 add_library(velk_build INTERFACE)
 target_compile_features(velk_build INTERFACE c_std_99 cxx_std_20)
 target_compile_options(velk_build INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
@@ -10,6 +10,10 @@ if(VELK_SANITIZERS)
     target_compile_options(velk_build INTERFACE
         -fsanitize=${VELK_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(velk_build INTERFACE -fsanitize=${VELK_SANITIZERS})
+endif()
+if(VELK_COVERAGE)
+    target_compile_options(velk_build INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+    target_link_options(velk_build INTERFACE -fprofile-instr-generate)
 endif()
 if(VELK_HARDENING)
     target_compile_definitions(velk_build INTERFACE
