@@ -1,6 +1,8 @@
 // The engine, its catalogue, and the loading of classes.
 #include "tests/support/board.h"
 
+#include <filesystem>
+
 namespace
 {
 
@@ -110,7 +112,7 @@ TEST(ClassLoading, IsDoneOnceAnEngineAndName)
     Config *configs[5], **next = configs;
     for (const char *name : {"A", "A", "B", "C", "c"}) // "c" finds the section, but is a class of its own
         ASSERT_EQ(VelkCreateConfig(bench.engine, name, next++), 0) << name;
-    const std::string head = "Initialize(" + bench.directory.path.substr(5);
+    const std::string head = "Initialize(" + std::filesystem::path(bench.directory.path).filename().string();
     EXPECT_EQ(calls, head + ",-203,?) " + head + ",-203,?) " + head + ",0,own) " + head + ",0,own) ");
     ASSERT_EQ(other.Open("A"), 0);
     VelkDiscardConfig(configs[0]);

@@ -97,8 +97,7 @@ std::string ReadFile(const std::string &path)
 
 Directory::Directory()
 {
-    char name[] = "/tmp/velk-XXXXXX";
-    path = mkdtemp(name);
+    path = mkdtemp((testing::TempDir() + "velk-XXXXXX").data());
 }
 
 Directory::~Directory()
