@@ -16,6 +16,8 @@ TEST(Containers, StayWholeWhenMemoryRunsOut)
         EXPECT_TRUE(List_CopyNew(list) == nullptr && String_CopyNew("x") == nullptr);
     }
     EXPECT_EQ(List_AreEqual(list, bare), 1);
+    list->items[0] = 2;
+    EXPECT_EQ(List_AreEqual(list, bare), 0);
     EXPECT_EQ(List_Append(bare, 2), 0);
     EXPECT_EQ(List_AreEqual(list, bare), 0);
     text = String_Append(String_Append(text, ""), "def");

@@ -13,9 +13,9 @@ const std::string module = VELK_TEST_MODULE_DIR "/velkimage";
 // Registers of every form: two of them of one id, one internal.
 const std::string goodSettings =
     "Image = board.img\nStride = 32\n"
-    "Registers = 0x10, 0x11,0x10 ,0x12, 0xB000001, 0xF000001, 0xF000002, 0xF0000001\n"
-    "0x10 = 0 u8\n0x11 = 1 u16 big\n0x10:2 = 3 u32 little\n0x12 = 7 u16 little\n0xB000001 = 9 text 4\n"
-    "0xF000001 = 13 list 3 u16 big\n0xF000002 = 21 array 2 u8\n0xF0000001 = 23 u8\n";
+    "Registers = 0x10, 0x11,0x10 ,0x12, 0xB000001, 0xf000001, 0xF000002, 0xF0000001\n"
+    "0x10 = 0 u8\n0x11 = 1 u16 big\n0x10:2 = 3 u32 little\n0x12 = 7\tu16 little\n0xB000001 = 9 text 4\n"
+    "0xF000001 = 13 list 3 u16 big\n0xF000002 = 0X15 array 2 u8\n0xf0000001 = 23 u8\n";
 
 // Board 1 of two. The byte behind the text's end, those behind the list and those from 24 on hold no value.
 const std::string boardBytes("\x7F\x12\x34\x78\x56\x34\x12\xCD\xAB"
@@ -78,6 +78,8 @@ TEST(ImageAccessor, WritesTheBytesThatDifferOrNone)
         {"7f", "ff", 0, "\xFF"},
         {"AB", "C", 9, {"C\0\0\0", 4}},
         {"AB", "WXYZ", 9, "WXYZ"},
+        {"AB", "-", 9, {"\0\0\0\0", 4}}, // null is empty
+        {"102,fffe", "-", 13, {"\0\0\0\0\0\0\0\0", 8}},
         {",fffe", "", 13, {"\0\1\1\2\0\0\0\0", 8}}, // a shorter list
         {",fffe", ",2,3", 13, {"\0\3\1\2\0\2\0\3", 8}},
         {"5,6", "5,ff", 22, "\xFF"},
@@ -107,21 +109,28 @@ TEST(ImageAccessor, WritesTheBytesThatDifferOrNone)
             EXPECT_EQ(save(what, by), -104) << what << " -> " << by;
             EXPECT_EQ(rig.directory.Read("board.img"), imageBytes) << what << " -> " << by;
         }
+    FreeVRegTable(std::exchange(TableOf(rig.config), nullptr));
+    EXPECT_EQ(rig.Save(1), -104) << "no table at all";
 }
 
 TEST(ImageAccessor, RefusesBadSettings)
 {
     const std::pair<const char *, std::vector<const char *>> rows[] = {
-        {"Image = board.img\n", {""}},
-        {"Stride = 32", {"Stride = 0", "Stride = 0x100000000", "Stride = 032", "Stride = 32\nUnit = -1"}},
+        {"Image = board.img\n", {"", "Image =\n"}},
+        {"Stride = 32",
+         {"Stride = 0", "Stride = 0x100000000", "Stride = 4294967296", "Stride = 032", "Stride = 32 x", "",
+          "Stride = 32\nUnit = -1"}},
         {"Stride = 32", {"Stride = 23"}}, // the last place ends at 24
         {"Registers = 0x10,", {"Registers = 0x10,,", "Registers = 0,", "Registers = 0x10"}},
+        {"Registers = ", {"Register = "}},
+        {"0x12 = 7\tu16 little", {"0x12 = 7 list 1 u8"}},
         {"0xF0000001\n", {"0xF0000001,\n"}},
         {"0x10 = 0 u8\n", {"", "0x10 = 0 u8 big\n", "0x10 = 0 u24\n", "0x10 = 24 text 4\n"}},
         {"0x10:2 = 3 u32 little\n", {""}},
         {"1 u16 big", {"1 u16", "2 u16 big"}}, // in which order? and on a byte of the next one
-        {"9 text 4", {"9 u32 big", "9 text 0xFFFFFFFF"}},
-        {"13 list 3 u16 big", {"13 text 8"}},
+        {"9 text 4", {"9 u32 big", "9 text 0xFFFFFFFF", "9 text 0", "9 text x", "x text 4"}},
+        {"13 list 3 u16 big", {"13 text 8", "13 list x u16 big", "13 list 3 u24"}},
+        {"0x10, 0x11", {"0x1G, 0x11", "0x1`, 0x11", "0x1g, 0x11"}},
         {"23 u8\n", {"23 u8\nStride = 999\n0xF000001 = 99 list 256 u8\n"}}, // more than a byte counts
     };
     for (const auto &[what, edits] : rows)
@@ -219,8 +228,9 @@ TEST(ImageAccessor, KeepsToItsImageWhereverTheProcessGoes)
     Rig rig;
     const auto start = std::filesystem::current_path();
     VelkCloseConfigEngine(std::exchange(rig.engine, nullptr));
-    std::filesystem::current_path("/tmp");
-    EXPECT_EQ(VelkInitializeConfigEngine(rig.directory.path.substr(5).c_str(), &rig.engine), 0);
+    const std::filesystem::path path = rig.directory.path;
+    std::filesystem::current_path(path.parent_path());
+    EXPECT_EQ(VelkInitializeConfigEngine(path.filename().c_str(), &rig.engine), 0);
     EXPECT_EQ(rig.Open("A"), 0);
     std::filesystem::current_path("/");
     EXPECT_EQ(rig.Load(1), 0);

@@ -7,17 +7,17 @@ TEST(KeyFiles, NameTheirRegister)
     const std::string room(53, ' ');
     const std::pair<const char *, std::vector<std::string>> rows[] = {
         {"1",
-         {"Control (0x0F)", "(Control) (0x0F)", "Control(0x0F)", "Control (0x0F) trailing words",
-          "Control\t(0x0F)", "Control (0x0F" + room + ")"}},
+         {"Control (0x0F)", "Control:1a (0x0F)", "(Control) (0x0F)", "Control(0x0F)",
+          "Control (0x0F) trailing words", "Control\t(0x0F)", "Control (0x0F" + room + ")"}},
         {"2", {"0x1000:2 (0x0F)", "Control:02 15"}},
-        {"4", {"0x10_Control 15", "020 (017x)"}},
-        {"!-3", {"Control:010 (0x0F)", "Control:0 (0x0F)", "0x11 (0x0F)"}},
+        {"4", {"0x10_Control 15", "020 (017x)", "Small 15"}},
+        {"!-3", {"Control:010 (0x0F)", "Control:19 (0x0F)", "Control:0 (0x0F)", "0x11 (0x0F)"}},
         {"-205",
-         {"Control:x (0x0F)", "Control :3 (0x0F)", "Control", "(0x0F) Control", "Missing (0x0F)",
+         {"Control:x (0x0F)", "Control :3 (0x0F)", "Control", "(0x0F) Control", "Missing (0x0F)", "()",
           "Void (0x0F)", "Control\t0x0F", "Control (0)", "Control (0x0F " + room + ")"}}};
     for (const auto &[result, specs] : rows)
         for (const std::string &spec : specs)
-            Board_Expect("[vregs]\nControl=0x1000\nVoid=none\n[K]\n" + spec + "=Value\n", "",
+            Board_Expect("[vregs]\nControl=0x1000\nSmall=16\nVoid=none\n[K]\n" + spec + "=Value\n", "",
                          "1000=1 1000=2 1000=3 10=4", "#K", result);
 }
 
@@ -31,8 +31,9 @@ TEST(KeyFiles, AreCheckedWhenRead)
         {"-205",
          {"0x10 (1)=Bool\nTRUE=1\n", "0x10 (1)=Bool\nFALSE=0\nTRUE=x\n", "0x10 (1)=Index\n",
           "0x10 (1)=Index\nArray=1,x\n", "0x10 (1)=Index\nArray=" + std::string(1023, ',') + "1\n",
-          "0x10 (1)=Other\n", "0x0B000001 (x)=String\n", "0x0F000001 (1)=String\n", "0x07000001 (1)=List\n",
-          "0x0B000001 (1)=Value\n", "0x0A000001 (1)=Value\n", ""}}};
+          "0x10 (1)=Other\n", "0x10 (1)=Value.x\n", "0x0B000001 (x)=String\n", "0x0F000001 (1)=String\n",
+          "0x07000001 (1)=List\n", "0x0B000001 (1)=Value\n", "0x0A000001 (1)=Value\n",
+          "0x08000001 (1)=Value\n", ""}}};
     for (const auto &[result, sections] : rows)
         for (const std::string &section : sections)
             Board_Expect("[VREGS]\nA=x\n[K]\n" + section, "", nullptr, "", result);
@@ -87,10 +88,14 @@ TEST(Keys, ComputeTheRequiredMemory)
         {space, "10=91", "0x80000000", "0 0 80000000"},
         {space, "10=92", "0x1000000", "0 f 1000000"},
         {space, "10=93", "12345", "0 0 0"},
+        {space, "10=90", "0", "0 7 10000"},
+        {space, "10=92", "0x40", "0 1 40"},
         {space + total, "10=90 11=7fff", "-1", "0 8 8000"},
         {space, "10=90", "-1", "-99 9 4000"},
         {"", "10=90", "1", "-99 9 !-99"},
         {"[AddressSpace]\n0x12 (3)=Value\n", "10=90", "1", "-3 9 !-3"},
+        {"[AddressSpace]\n0x12 (3)=VxiRequiredMemory\n", "10=90", "1", "-3 9 !-3"},
+        {"[AddressSpace]\n0x0B000001 (3)=String\n", "10=90 0B000001=x", "1", "-99 9 !-99"},
         {"[AddressSpace]\n0x10 (3)=VxiRequiredMemory\n", "10=90", "1", "-99 9 !-99"}};
     for (const auto &[keys, registers, written, results] : rows)
         Board_Expect("[Memory]\n0x10 (0xF0)=VxiRequiredMemory\n[Raw]\n0x10 (0xF0)=Value\n" + keys, "",

@@ -53,12 +53,15 @@ TEST(OptionFiles, AreCheckedWhenRead)
         {"", "", "", {Range("X") + Range("P", "X:1=0:1:9") + Range("Q", "X:1,P:1=0:1:9")}},
         {"", set, "\n", {"listset\ndefault=(7"}},
         // Incomplete, never defined, in a circle, or too deep.
-        {"-9", "", "", {of + ",," + end, rule, Chain(17), Range("O", "X:1=0:1:9") + Range("X", "O:1=0:1:9")}},
+        {"-9",
+         "",
+         "",
+         {of + ",," + end, rule, Chain(17), Chain(40), Range("O", "X:1=0:1:9") + Range("X", "O:1=0:1:9")}},
         {"-9", rule, "=0:1:9\n", {":1", "X:1", "O:1"}},
         {"-206", of, end, {"A,a", "A, ,B", "A,A,A,A,A,A,A,A,A", "A(", "A(>x)", "A(`1)", "A,T"}},
         {"-206", of, end, {"A" + std::string(1023, ',')}},
         {"-206", get, end, {"B1?A", "B:1", "B?1:A", "X:1?2", "B:1?X", "B`1?2", "B:1 " + blanks + "?1"}},
-        {"-206", rule, x, {"default 1", "X:1,", "X:1,,X:2", "\"X:1   " + blanks + "\""}},
+        {"-206", rule, x, {"default 1", "X:1,", "X:1,,X:2", "X:", "\"X:1   " + blanks + "\""}},
         {"-206", rule, "\n", {"default=0:1", "default=0:x:1"}},
         {"-206",
          "[O]\n",
@@ -81,17 +84,17 @@ TEST(OptionFiles, ListNamesByBucketThenNewestFirst)
     // B is declared ahead of its definition and keeps that place.
     const Board board(keys,
                       Range("A", "B:1=0:1:9\n") + Range("AA") + Range("AB") + Range("\xE9") + Range("B") +
-                          Range("BA") + Range("a"),
+                          Range("BA") + Range("a") + Range("L"),
                       nullptr);
     uint32_t count = 99;
     EXPECT_EQ(VelkNumberOfOptions(board.config, &count), 0);
-    ASSERT_EQ(count, 7U);
-    const char *names[7], *few[3] = {"x", "y", "z"};
-    EXPECT_EQ(VelkGetOptionNames(board.config, names, 7), 0);
+    ASSERT_EQ(count, 8U);
+    const char *names[8], *few[3] = {"x", "y", "z"};
+    EXPECT_EQ(VelkGetOptionNames(board.config, names, 8), 0);
     std::string text;
     for (const char *name : names)
         text += std::string(name) + " ";
-    EXPECT_EQ(text, "AA \xE9 B a BA AB A ");
+    EXPECT_EQ(text, "AA \xE9 B a BA AB A L ");
     EXPECT_EQ(VelkGetOptionNames(board.config, few, 2), 4);
     EXPECT_TRUE(few[0] == names[0] && few[1] == names[1] && *few[2] == 'z');
 }

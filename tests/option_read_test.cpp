@@ -18,7 +18,7 @@ std::string ValidText(const Board &board)
         return "!" + std::to_string(status);
 
     VelkWord words[3] = {9, 9, 9};
-    VelkDataFromValidValueRef(board.config, ref, words);
+    EXPECT_EQ(VelkDataFromValidValueRef(board.config, ref, words), 0);
     if (kind == ValidKindRange)
         return std::to_string(words[0]) + ":" + std::to_string(words[1]) + ":" + std::to_string(words[2]);
     EXPECT_EQ(words[2], 0U);
@@ -43,6 +43,7 @@ TEST(OptionReading, FollowsTheGetMethod)
                                           {"B", "B:2?A", "ffffffff"},
                                           {"B", "B!2?A", "2"},
                                           {"B", "B>1?12abc", "c"},
+                                          {"B", "B>2?7", "2"},
                                           {"B", "B<2?7", "2"},
                                           {"B", "A<1?7", "2"}, // unsigned
                                           {"Gone", "B&3?-1", "ffffffff"},
@@ -68,7 +69,8 @@ TEST(OptionReading, FollowsTheGetMethod)
 TEST(OptionReading, TellsKindsApart)
 {
     const Board board(sampleKeys,
-                      Option("O", "A", "Range", "default=0:1:9") + Option("S", "T", "String", "default=*"),
+                      Option("O", "A", "Range", "default=0:1:9") + Option("S", "T", "String", "default=*") +
+                          Option("Lost", "Gone", "Range", "default=0:1:9"),
                       registers);
     const auto read = [&](const char *name, int32_t kind) {
         VelkWord value = 99;
@@ -83,7 +85,10 @@ TEST(OptionReading, TellsKindsApart)
               "0 0 0 0 0 2 0 2");
     EXPECT_EQ(read("S", 0) + " " + read("s", -1), "-18 55 -9 55");
     uint32_t number = 99;
+    EXPECT_EQ(VelkGetOption(board.config, "O", &number), 0);
+    EXPECT_EQ(std::exchange(number, 99), ~0U);
     EXPECT_EQ(VelkGetOption(board.config, "S", &number), -17);
+    EXPECT_EQ(VelkGetOption(board.config, "Lost", &number), -3);
     EXPECT_EQ(number, 99U);
 }
 
@@ -106,6 +111,8 @@ TEST(OptionReading, GivesTheValidValuesInForce)
         {"L", "ListSet", "default=[]", "0:"},
         {"L", "ListSet", "default=[(1,2),(:3:1:5) *,(7]", "3: 2 3 1"},
         {"L", "ListSet", "default=[() (0x10)]", "2: 0 1"},
+        {"L", "ListSet", "default=[(1)2,(3)]", "2: 2 1"},
+        {"L", "ListSet", "default=[\t]", "0:"},
         {"T", "String", "default=a, b ", "'a, b"},
         {"T", "String", "default=", "'"},
         {"T", "String", "default=*x", "any"}};

@@ -66,7 +66,9 @@ TEST(OptionSetting, MovesValuesOntoValidOnes)
     for (const auto &[keys, type, rule, commands, results] : rows)
         Board_Expect(sampleKeys, Option("O", keys, type, std::string("default=") + rule), sampleRegisters,
                      commands, results);
-    const Board board(sampleKeys, Option("O", "T", "String", "default=*"), sampleRegisters);
+    const std::string text = Option("O", "T", "String", "default=*");
+    Board_Expect(sampleKeys, text, "b000001=-", "O='x O O='y O", "0 x 0 y");
+    const Board board(sampleKeys, text, sampleRegisters);
     EXPECT_EQ(VelkSetOption(board.config, "O", 5), -17);
     EXPECT_EQ(VelkSetOptionEx(board.config, "O", -1, Word("x")), -17); // no wildcard here
 }
@@ -75,6 +77,8 @@ TEST(OptionSetting, CarriesDependantsAlong)
 {
     Board_Expect(modeKeys, modeOptions, "20=0 21=14 22=0", "Mode=1 Mode Speed #Fast Mode=0 . Mode=7 .",
                  "0 1 20 0 0 20*=0 21*=c8 22*=1 0 20*=3 21*=c8 22*=1");
+    // Paths that part and meet again are no circle.
+    Board_Expect(sampleKeys, Layers(2), sampleRegisters, "O=5 .", "0 " + Edited(untouched, "11=2", "11*=5"));
 }
 
 TEST(OptionSetting, IsAllOrNothing)
@@ -116,6 +120,12 @@ TEST(OptionSetting, EndsOnGraphsThatRulesDoNotShow)
     const Board board(sampleKeys, Option("O", "B", "Range", "P:1=0:1:9") + p, sampleRegisters,
                       o + Option("P", "A", "Range", "O>0=0:1:99"));
     EXPECT_EQ(board.Run("O=5 P=5 ."), "-99 -99 " + untouched);
+    // Option 8 loses its rule on 9, but stays a dependant: 17 in a row, which come in 16 and 1.
+    std::string chain = Option("17", "B", "Range", "default=0:1:9");
+    for (int n = 16; n > 0; --n)
+        chain += Option(std::to_string(n), "B", "Range", std::to_string(n + 1) + ":10=\ndefault=0:1:9");
+    const Board deep(sampleKeys, chain, sampleRegisters, Option("8", "B", "Range", "default=0:1:9"));
+    EXPECT_EQ(deep.Run("17=5 . 16=5"), "-99 " + untouched + " 0");
     // 4 to the power of 11 paths.
     Board_Expect(sampleKeys, Layers(11), sampleRegisters, "12=5 O=5 .",
                  "0 -99 " + Edited(untouched, "10", "10*"));
@@ -148,6 +158,7 @@ TEST(ChangeLists, TellWhatASetHasMoved)
         SCOPED_TRACE(before + std::string(" to ") + std::to_string(set));
         const Board board(modeKeys, modeOptions, before);
         ChangeEntry entries[] = {Entry("Mode"), Entry("Speed"), Entry("nothing")};
+        EXPECT_EQ(VelkRefFromOptionName(board.config, "speed", &entries[2].optionRef), -9);
         EXPECT_EQ(VelkRefFromOptionName(board.config, "Speed", &entries[2].optionRef), 0);
         EXPECT_EQ(VelkSetOptionExWithChangeList(board.config, "Mode", 0, set, entries, 3), 0);
         uint32_t kind = 0;
@@ -167,7 +178,8 @@ TEST(ChangeLists, SayHowFarTheyCame)
 {
     const std::string options =
         o + Option("Bad", "A", "Range", "O:7=0:1:9") + Option("Lost", "Gone", "Range", "default=0:1:9");
-    const std::string good = o + Option("Off", "A", "Range", "GetMethod=B:5?Gone\ndefault=0:1:9");
+    const std::string good = o + Option("Off", "A", "Range", "GetMethod=B:5?Gone\ndefault=0:1:9") +
+                             Option("Behind", "A", "Range", "Off:1=0:1:9\ndefault=0:1:9");
     const struct {
         std::string options;
         const char *set, *listed[2];
@@ -178,8 +190,8 @@ TEST(ChangeLists, SayHowFarTheyCame)
         {options, "o", {"O", "O"}, -9, {77, 77}, "2"},   {options, "O", {"no", "O"}, -9, {0, 77}, "2"},
         {options, "O", {"Bad", "O"}, -99, {0, 77}, "2"}, {options, "O", {"Lost", "O"}, -3, {0, 77}, "2"},
         {options, "O", {"O", "O"}, -99, {0, 0}, "2"}, // its dependant "Bad" fails
-        {good, "O", {"O", "Off"}, -3, {1, 0}, "5"}    // behind the set, which stands
-    };
+        {good, "O", {"O", "Off"}, -3, {1, 0}, "5"},   // behind the set, which stands
+        {good, "O", {"O", "Behind"}, -3, {1, 0}, "5"}};
     for (const auto &row : rows) {
         SCOPED_TRACE(row.set + std::string(row.listed[0]) + row.listed[1]);
         const Board board(sampleKeys, row.options, sampleRegisters);

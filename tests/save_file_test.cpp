@@ -53,7 +53,7 @@ TEST(SaveFiles, AreCheckedWhenRead)
         {"F0000001=x\n", ""}};
     const std::pair<StatusCode, std::vector<std::string>> refused[] = {
         {-4,
-         {File("10=1\n", ""), File(""), "[Information]\nKey=k\n", File("10=1\nx\n"),
+         {File("10=1\n", ""), File(""), "[Information]\nKey=k\n", File("10=1\nx\n"), File("10=x\n"),
           File("0B000001=x\nx=1\n"), File("0F000001=1,2\n0x0=1\n")}},
         {-5, {File("x=1\n", "Key=K\n")}},
         {-10, {File("0B000001=x\n0F000001=1,x\n0=1\n")}}};

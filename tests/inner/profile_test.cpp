@@ -1,6 +1,8 @@
 // The syntax of profile files and the store behind it, which clients see only through definition files.
 #include "platform/profile.h"
 
+#include <unistd.h>
+
 #include <filesystem>
 #include <memory>
 
@@ -95,7 +97,7 @@ TEST(Profile, IsEmptyAfterARefusalAndTellsItsLine)
         {"a=b\n[s]\n", "[s\n", "[", "[s] x\n", "[\"s]\n", "[\"s\" x]\n", "[\"s\"]]\n"},
         {"[s]\n=b\n", "[s]\n\"a=b\n", "[s]\n\"a\"b=c\n", "[s]\n\"a\"", "[s]\na=\"b\" c\n", "[s]\na=\"",
          "[s]\na=\"b\\\"\n", "[s]\na=\"\\", "[s]\na=\"\\q\"\n", "[s]\na=\"\\X41\"\n", "[s]\na=\"\\x00\"\n",
-         "[s]\na=\"\\x4", "[s]\na=\"\\xG0\"\n"},
+         "[s]\na=\"\\x4", "[s]\na=\"\\xG0\"\n", "[s]\na=\"\\x!1\"\n", "[s]\na=\"\\x1@\"\n"},
         {"[s]\n\nplain\n", "[s]\na=b\n; \0\n"s}};
     for (int32_t line = 1; line <= 3; ++line)
         for (const std::string &text : texts[line - 1]) {
@@ -120,6 +122,20 @@ TEST(Profile, IsEmptyAfterARefusalAndTellsItsLine)
         EXPECT_EQ(IniReadFromFile(file.profile, path.c_str()), -1);
         EXPECT_EQ(file.Text(), "");
     }
+}
+
+// Nothing tells how long what comes through it is.
+TEST(Profile, ReadsAPipe)
+{
+    const std::string text = "[s]\n" + Items(3000);
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    ASSERT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    close(ends[1]);
+    const Handle file;
+    EXPECT_EQ(IniReadFromFile(file.profile, ("/dev/fd/" + std::to_string(ends[0])).c_str()), 0);
+    EXPECT_EQ(IniNumberOfItems(file.profile, "s"), 3000);
+    close(ends[0]);
 }
 
 // Every text of up to three of the bytes that mean something, and every byte.
@@ -236,7 +252,8 @@ TEST(Profile, NumbersAndLinesFollowTheFile)
     char *text = nullptr;
     EXPECT_EQ(IniNthSectionName(file.profile, 0, &text) + IniNthSectionName(file.profile, 4, &text), 0);
     EXPECT_EQ(IniNthItemName(file.profile, "s", -1, &text) + IniNthItemName(file.profile, "t", 1, &text), 0);
-    EXPECT_EQ(IniNumberOfItems(file.profile, "v"), 0);
+    EXPECT_EQ(IniNthItemName(file.profile, "v", 1, &text) + IniNumberOfItems(file.profile, "v"), 0);
+    EXPECT_EQ(IniNthItemPointerToString(file.profile, "s", 5, &text), 0);
 }
 
 TEST(Profile, IsEmptyOrAsItWasWhicheverAllocationFails)
