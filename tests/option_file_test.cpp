@@ -62,7 +62,7 @@ TEST(OptionFiles, AreCheckedWhenRead)
         {"-206", of, end, {"A" + std::string(1023, ',')}},
         {"-206", get, end, {"B1?A", "B:1", "B?1:A", "X:1?2", "B:1?X", "B`1?2", "B:1 " + blanks + "?1"}},
         {"-206", rule, x, {"default 1", "X:1,", "X:1,,X:2", "X:", "\"X:1   " + blanks + "\""}},
-        {"-206", rule, "\n", {"default=0:1", "default=0:x:1"}},
+        {"-206", rule, "\n", {"default=0:1", "default=0:x:1", "default=" + std::string(1024, '1')}},
         {"-206",
          "[O]\n",
          "\n",

@@ -120,6 +120,9 @@ TEST(OptionReading, GivesTheValidValuesInForce)
         SCOPED_TRACE(rules);
         EXPECT_EQ(ValidText({sampleKeys, Option("O", key, type, rules) + others, registers}), valid);
     }
+    const Board board("", "", nullptr);
     uint32_t untouched = 5;
+    EXPECT_EQ(VelkQueryOptionValidValues(board.config, "O", &untouched, nullptr), -9);
     EXPECT_EQ(VelkDataFromValueListRef(nullptr, nullptr, &untouched, -1), 0);
+    EXPECT_EQ(untouched, 5U);
 }

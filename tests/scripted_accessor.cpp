@@ -23,8 +23,9 @@ VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_InitializeAccessor(ConfigClass *con
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_CloseAccessor(void)
 {
+    static const char here = 0; // not an entry point: a copy may lack each of them
     Dl_info module;
-    dladdr(reinterpret_cast<const void *>(&Cfg_CloseAccessor), &module);
+    dladdr(&here, &module);
     script->calls += "Close(" + std::filesystem::path(module.dli_fname).stem().string() + ") ";
     return script->close;
 }

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <filesystem>
+#include <memory>
 #include <set>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -126,4 +127,19 @@ TEST(File, ReplacesAtOnceGiveOneOfThem)
     const std::string bytes = directory.Read("file");
     EXPECT_EQ(bytes, std::string(5000, bytes[0]));
     EXPECT_EQ(Names(directory), "file ");
+}
+
+TEST(File, AbsolutePathsAreAsLongAsTheyHaveToBe)
+{
+    const Directory directory;
+    const auto start = std::filesystem::current_path();
+    const std::filesystem::path deep =
+        directory.Path(std::string(200, 'a') + "/" + std::string(200, 'b') + "/" + std::string(200, 'c'));
+    std::filesystem::create_directories(deep);
+    std::filesystem::current_path(deep);
+    const std::unique_ptr<char, decltype(&free)> path{File_AbsolutePath("d", "e"), free};
+    EXPECT_EQ(path.get(), std::filesystem::canonical(deep) / "d/e");
+    remove(deep);
+    EXPECT_EQ(File_AbsolutePath("d", "e"), nullptr) << "a working directory that is gone";
+    std::filesystem::current_path(start);
 }

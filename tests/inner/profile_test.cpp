@@ -231,6 +231,8 @@ TEST(Profile, TextsStayWhateverFollows)
     ASSERT_EQ(file.Put("s", "a", "new"), 0);
     for (int i = 0; i < 1000; ++i)
         ASSERT_EQ(file.Put("s" + std::to_string(i % 30), "i" + std::to_string(i), std::to_string(i)), 0);
+    for (int i = 0; i < 40; ++i)
+        ASSERT_EQ(file.Put("t", "i" + std::to_string(i), std::string(100000, 't')), 0);
     ASSERT_EQ(file.Read("[s]\na=newer\n[p]\nb=other\n"), 0);
     EXPECT_EQ(file.Get("s", "a") + file.Get("s13", "i43"), "newer43");
     EXPECT_EQ(file.Read("[s]\na=newest\nbad\n"), -1);
@@ -254,6 +256,7 @@ TEST(Profile, NumbersAndLinesFollowTheFile)
     EXPECT_EQ(IniNthItemName(file.profile, "s", -1, &text) + IniNthItemName(file.profile, "t", 1, &text), 0);
     EXPECT_EQ(IniNthItemName(file.profile, "v", 1, &text) + IniNumberOfItems(file.profile, "v"), 0);
     EXPECT_EQ(IniNthItemPointerToString(file.profile, "s", 5, &text), 0);
+    EXPECT_EQ(IniGetStringIntoBuffer(file.profile, "s", "a", nullptr, -1), 0);
 }
 
 TEST(Profile, IsEmptyOrAsItWasWhicheverAllocationFails)
