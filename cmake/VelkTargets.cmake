@@ -11,8 +11,10 @@ if(VELK_SANITIZERS)
         -fsanitize=${VELK_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(velk_build INTERFACE -fsanitize=${VELK_SANITIZERS})
 endif()
+# Counters are mapped from their file, so that a process which dies without notice has counted too.
 if(VELK_COVERAGE)
-    target_compile_options(velk_build INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+    target_compile_options(velk_build INTERFACE
+        -fprofile-instr-generate -fcoverage-mapping "SHELL:-mllvm -runtime-counter-relocation")
     target_link_options(velk_build INTERFACE -fprofile-instr-generate)
 endif()
 if(VELK_HARDENING)
