@@ -58,8 +58,6 @@ TEST(Engine, NeedsAReadableCatalogue)
     for (const char *catalogue : {"[C]\nno item\n", "x=1\n"})
         EXPECT_EQ(desk.Start(catalogue), -202);
     EXPECT_EQ(VelkInitializeConfigEngine(desk.directory.Path("none").c_str(), &desk.engine), -202);
-    EXPECT_EQ(FailEachAllocation([&] { return desk.Start(""); }, [&] { return desk.engine == nullptr; }),
-              "-201 -202 then 0 ");
 }
 
 TEST(Engine, TranslatesNumbers)
@@ -126,21 +124,4 @@ TEST(ClassLoading, IsDoneOnceAnEngineAndName)
     EXPECT_EQ(other.Load(), 0);
     for (int n = 1; n < 5; ++n)
         EXPECT_EQ(VelkDiscardConfig(configs[n]), 0);
-}
-
-TEST(ClassLoading, IsUndoneWhicheverAllocationFails)
-{
-    Bench bench;
-    const std::string module = bench.directory.Module("m");
-    bench.Start(Class("C", module));
-    bench.directory.Write("keys.ini",
-                          std::string(sampleKeys) + "[VREGS]\nR=0x10\n[I]\nR (1)=Index\nArray=1,2,:4:1:9\n");
-    bench.directory.Write("options.ini", Option("A", "A", "List", "Later:1=(1,2)\ndefault=1") +
-                                             Option("T", "T", "String", "Later>1=fixed") +
-                                             Option("L", "L", "ListSet", "default=[(1),(2)]") +
-                                             Option("Later", "A", "Range", "default=0:1:9"));
-    // Configuration and class, module, keys, options: of each its table and its files.
-    EXPECT_EQ(FailEachAllocation([&] { return bench.Open("C"); },
-                                 [&] { return bench.config == nullptr && !IsModuleLoaded(module); }),
-              "-1 -201 -204 -201 -205 -201 -206 then 0 ");
 }

@@ -198,7 +198,7 @@ TEST(FaultyAccessor, EveryTransferMeetsEveryFault)
                     transfers += 12;
                 }
             }
-    printf("%d transfers\n", transfers);
+    printf("measured: %d transfers with a fault\n", transfers);
     EXPECT_GE(transfers, 4200);
 }
 
@@ -278,14 +278,4 @@ TEST(FaultyAccessor, LetsAModuleStayThatRefusesToClose)
         board.Clear();
         EXPECT_TRUE(IsModuleLoaded(module) && IsModuleLoaded(board.accessor));
     }
-}
-
-TEST(FaultyAccessor, IsUndoneWhicheverAllocationFails)
-{
-    FaultyBoard board({});
-    EXPECT_EQ(board.StartWith(image, "Read * kinds"), 0);
-    const auto isLoaded = [&] { return IsModuleLoaded(board.accessor); };
-    EXPECT_EQ(FailEachAllocation([&] { return board.Open("C"); }, isLoaded),
-              "-1 -201 -204 -1 -204 -1 -201 -205 -201 -206 then 0 ");
-    EXPECT_EQ(FailEachAllocation([&] { return board.Load(); }, isLoaded), "-1 then 0 ");
 }

@@ -250,15 +250,3 @@ TEST(ImageAccessor, OutlivesAClassLoadThatFailsLate)
     }
     EXPECT_EQ(rig.Load(1, 0) + rig.Load(1, 2), 0);
 }
-
-TEST(ImageAccessor, IsUndoneWhicheverAllocationFails)
-{
-    Rig rig;
-    const auto image = [&] { return rig.directory.Read("board.img"); };
-    EXPECT_EQ(FailEachAllocation([&] { return rig.Open("A"); }, [] { return IsModuleLoaded(module); }),
-              "-1 -201 -204 -1 -201 -205 -201 -206 then 0 ");
-    EXPECT_EQ(FailEachAllocation([&] { return rig.Load(1); }, image), "-1 then 0 ");
-    rig.Put(Edited(values, "AB", "CD"));
-    EXPECT_EQ(FailEachAllocation([&] { return rig.Save(1); }, image), "-1 then 0 ");
-    EXPECT_EQ(image(), Edited(imageBytes, {"AB\0Z", 4}, {"CD\0\0", 4}));
-}

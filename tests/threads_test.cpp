@@ -168,7 +168,7 @@ TEST(Threads, ComeToWhatEachComesToAlone)
     const std::string alone = Work(site, false, rounds);
     EXPECT_EQ(Work(site, true, rounds), alone);
     for (size_t kind = 0; kind < KindCount; ++kind) {
-        printf("%s beside another call: %d\n", kindNames[kind], overlapped[kind].load());
+        printf("measured: %s beside another call: %d\n", kindNames[kind], overlapped[kind].load());
         EXPECT_GT(overlapped[kind].load(), 0) << kindNames[kind];
     }
 }

@@ -246,7 +246,8 @@ TEST(FileFaults, LeaveTheOldOrTheNewBehind)
             }
         }
     }
-    std::cout << std::size(operations) << " operations, " << callCount << " calls; faults by status:";
+    std::cout << "measured: " << std::size(operations) << " operations, " << callCount
+              << " calls; faults by status:";
     for (const auto &[status, count] : statuses)
         std::cout << " " << count << " x " << status;
     std::cout << std::endl;

@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <memory>
-#include <set>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <thread>
@@ -18,18 +17,6 @@ namespace
 FileStatus Replace(const std::string &path, const std::string &bytes)
 {
     return File_Replace(path.c_str(), bytes.data(), bytes.size());
-}
-
-// Every name in a directory, sorted.
-std::string Names(const Directory &directory)
-{
-    std::set<std::string> names;
-    for (const auto &entry : std::filesystem::directory_iterator(directory.path))
-        names.insert(entry.path().filename());
-    std::string text;
-    for (const std::string &name : names)
-        text += name + " ";
-    return text;
 }
 
 mode_t Mode(const std::string &path)

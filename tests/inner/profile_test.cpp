@@ -1,65 +1,14 @@
 // The syntax of profile files and the store behind it, which clients see only through definition files.
-#include "platform/profile.h"
+#include "tests/inner/profile_handle.h"
 
 #include <unistd.h>
 
 #include <filesystem>
-#include <memory>
-
-#include "tests/support/board.h"
 
 using namespace std::string_literals;
 
 namespace
 {
-
-struct Handle {
-    const std::unique_ptr<Profile, void (*)(Profile *)> owner{IniNew(0), IniDispose};
-    Profile *const profile = owner.get();
-
-    [[nodiscard]] int32_t Read(const std::string &text) const
-    {
-        const Directory directory;
-        directory.Write("file", text);
-        return IniReadFromFile(profile, directory.Path("file").c_str());
-    }
-
-    int32_t Put(const std::string &section, const std::string &item, const std::string &value) const
-    {
-        return IniPutString(profile, section.c_str(), item.c_str(), value.c_str());
-    }
-
-    [[nodiscard]] std::string Get(const char *section, const char *item) const
-    {
-        char *value = nullptr;
-        return IniGetPointerToString(profile, section, item, &value) == 1 ? value : "(none)";
-    }
-
-    // Sections and items in order, by number.
-    [[nodiscard]] std::string Text() const
-    {
-        std::string text;
-        char *section = nullptr;
-        for (int32_t s = 1; IniNthSectionName(profile, s, &section) == 1; ++s) {
-            text += "["s + section + "]";
-            char *name = nullptr, *value = nullptr;
-            for (int32_t n = 1; IniNthItemName(profile, section, n, &name) == 1; ++n) {
-                EXPECT_EQ(IniNthItemPointerToString(profile, section, n, &value), 1);
-                text += " "s + name + "=" + value + ";";
-            }
-        }
-        return text;
-    }
-};
-
-// A text for each number up to count.
-std::string Items(int count, const std::string &ahead = "filler", const std::string &behind = "=\n")
-{
-    std::string text;
-    for (int i = 0; i < count; ++i)
-        text.append(ahead).append(std::to_string(i)).append(behind);
-    return text;
-}
 
 // As many items as a section has before and behind the point from which it is indexed.
 constexpr int fewAndMany[] = {0, 6, 7, 8, 9, 100};
@@ -257,43 +206,6 @@ TEST(Profile, NumbersAndLinesFollowTheFile)
     EXPECT_EQ(IniNthItemName(file.profile, "v", 1, &text) + IniNumberOfItems(file.profile, "v"), 0);
     EXPECT_EQ(IniNthItemPointerToString(file.profile, "s", 5, &text), 0);
     EXPECT_EQ(IniGetStringIntoBuffer(file.profile, "s", "a", nullptr, -1), 0);
-}
-
-TEST(Profile, IsEmptyOrAsItWasWhicheverAllocationFails)
-{
-    const int64_t live = LiveAllocations();
-    const Directory directory;
-    directory.Write("file", "[s]\n" + Items(50) + "[t]\nx=" + std::string(9000, 'y') + "\n[s]\nz=1");
-    std::filesystem::create_symlink("file", directory.Path("link"));
-    const std::string path = directory.Path("link");
-    const auto read = [&] {
-        Profile *const made = IniNew(1);
-        if (made == nullptr)
-            return -1;
-        const int32_t status = IniReadFromFile(made, path.c_str());
-        EXPECT_EQ(IniNumberOfItems(made, "s"), status == 0 ? 51 : 0);
-        EXPECT_EQ(IniFailedLine(made), 0);
-        IniDispose(made);
-        return status;
-    };
-    EXPECT_EQ(FailEachAllocation(read, LiveAllocations), "-1 then 0 ");
-
-    for (int i = 0; i < 300; ++i) {
-        const Handle file;
-        for (int n = 0; n < i; ++n)
-            ASSERT_EQ(file.Put(n % 3 == 0 ? "a" : "b", std::to_string(n), "1"), 0);
-        const char *section = i % 2 == 0 ? "a" : "c";
-        const std::string value(2000, 'v');
-        FailEachAllocation([&] { return file.Put(section, "new", value); }, [&] { return file.Text(); });
-        ASSERT_EQ(file.Get(section, "new"), value);
-    }
-    EXPECT_EQ(LiveAllocations(), live);
-    const Handle file;
-    EXPECT_EQ(file.Put("s", "a", "1"), 0);
-    EXPECT_EQ(FailEachAllocation([&] { return IniWriteToFile(file.profile, path.c_str()); },
-                                 [&] { return directory.Read("file") + std::to_string(LiveAllocations()); }),
-              "-1 then 0 ");
-    EXPECT_EQ(directory.Read("file"), "[s]\na=1\n");
 }
 
 // A store that takes more than constant time for one of these does not come to an end here.

@@ -20,11 +20,12 @@ std::atomic<int64_t> liveBlocks;
 std::atomic<int64_t> calls;
 std::atomic<int64_t> firstFailing{never}; // of `calls`
 std::atomic<int64_t> lastFailing;
+std::atomic<int64_t> furtherFailing{never};
 
 bool Refuse()
 {
     const int64_t call = ++calls;
-    if (call < firstFailing || call > lastFailing)
+    if ((call < firstFailing || call > lastFailing) && call != furtherFailing)
         return false;
     errno = ENOMEM;
     return true;
@@ -81,15 +82,16 @@ int64_t AllocationCalls()
     return calls;
 }
 
-FailAllocations::FailAllocations(int64_t nth, int64_t count)
+FailAllocations::FailAllocations(int64_t nth, int64_t count, int64_t further)
 {
     firstFailing = calls + nth;
     lastFailing = firstFailing + count - 1;
+    furtherFailing = further == 0 ? never : calls + further;
 }
 
 FailAllocations::~FailAllocations()
 {
-    firstFailing = never;
+    firstFailing = furtherFailing = never;
 }
 
 bool FailAllocations::Fired() const

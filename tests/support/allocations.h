@@ -13,9 +13,10 @@ int64_t LiveAllocations();
 // Calls so far of malloc, calloc and realloc, failed ones included.
 int64_t AllocationCalls();
 
-// While it stands, `count` calls of malloc, calloc or realloc fail, from the nth from now on, n from 1.
+// While it stands, `count` calls of malloc, calloc or realloc fail, from the nth from now on, n from 1; and
+// the one called `further`, if it is not 0.
 struct FailAllocations {
-    explicit FailAllocations(int64_t nth, int64_t count = 1);
+    explicit FailAllocations(int64_t nth, int64_t count = 1, int64_t further = 0);
     ~FailAllocations();
     FailAllocations(const FailAllocations &) = delete;
     FailAllocations &operator=(const FailAllocations &) = delete;

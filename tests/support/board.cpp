@@ -1,9 +1,11 @@
 #include "tests/support/board.h"
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 
 Script *script;
@@ -13,14 +15,6 @@ const char sampleKeys[] =
     "[Gone]\n0x99 (1)=Value\n[T]\n0x0B000001 (0)=String\n[L]\n0x0F000001 (0)=List\n";
 const char sampleRegisters[] = "10=63 11=2 12=0 b000001=abc f000001=1,2";
 
-namespace
-{
-
-std::string Hex(uint64_t value)
-{
-    return (std::ostringstream() << std::hex << value).str();
-}
-
 std::vector<std::string> Split(const std::string &text, char separator)
 {
     std::vector<std::string> pieces;
@@ -28,6 +22,14 @@ std::vector<std::string> Split(const std::string &text, char separator)
     for (std::string piece; std::getline(stream, piece, separator);)
         pieces.push_back(piece);
     return pieces;
+}
+
+namespace
+{
+
+std::string Hex(uint64_t value)
+{
+    return (std::ostringstream() << std::hex << value).str();
 }
 
 int32_t KindOf(uint32_t id)
@@ -46,7 +48,8 @@ VelkWord ValueFromText(int32_t kind, const std::string &text)
         return Word(String_CopyNew(text.c_str()));
     List *list = List_New(0);
     for (const std::string &number : Split(text, ','))
-        List_Append(list, static_cast<uint32_t>(std::stoul(number, nullptr, 16)));
+        if (list != nullptr && List_Append(list, static_cast<uint32_t>(std::stoul(number, nullptr, 16))) < 0)
+            List_Delete(std::exchange(list, nullptr));
     return Word(list);
 }
 
@@ -110,6 +113,17 @@ void Directory::Write(const std::string &name, const std::string &bytes) const
     std::ofstream(Path(name), std::ios::binary) << bytes;
 }
 
+std::string Names(const Directory &directory)
+{
+    std::set<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator(directory.path))
+        names.insert(entry.path().filename());
+    std::string text;
+    for (const std::string &name : names)
+        text += name + " ";
+    return text;
+}
+
 std::string Directory::Module(const std::string &name, const std::string &missing) const
 {
     std::string bytes = ReadFile(VELK_TEST_MODULE_DIR "/scripted_accessor.so");
@@ -120,17 +134,32 @@ std::string Directory::Module(const std::string &name, const std::string &missin
     return Path(name);
 }
 
-VRegTable *Table_FromText(const std::string &text, VRegTable *table)
+bool Table_Append(const std::string &text, VRegTable **place)
 {
     const std::vector<std::string> entries = Split(text, ' ');
     const auto room = static_cast<uint32_t>(entries.size());
-    table = table == nullptr ? AllocateVRegTable(room) : GrowVRegTable(table, room);
+    VRegTable *table = *place == nullptr ? AllocateVRegTable(room) : GrowVRegTable(*place, room);
+    if (table == nullptr)
+        return false;
+    *place = table;
     for (const std::string &entry : entries) {
         const size_t equals = entry.find('=');
         const auto id = static_cast<uint32_t>(std::stoul(entry, nullptr, 16));
         const uint32_t flags = entry[equals - 1] == '*' ? VRegModified : 0;
-        table->regs[table->count++] = {id, ValueFromText(KindOf(id), entry.substr(equals + 1)), flags};
+        const std::string value = entry.substr(equals + 1);
+        VReg *reg = &table->regs[table->count];
+        *reg = {id, ValueFromText(KindOf(id), value), flags};
+        if (reg->value == 0 && KindOf(id) != ValueKindNumber && value != "-")
+            return false;
+        ++table->count;
     }
+    return true;
+}
+
+VRegTable *Table_FromText(const std::string &text)
+{
+    VRegTable *table = nullptr;
+    EXPECT_TRUE(Table_Append(text, &table));
     return table;
 }
 
@@ -149,7 +178,8 @@ std::string Table_Text(const VRegTable *table)
 
 bool IsModuleLoaded(const std::string &module)
 {
-    return ReadFile("/proc/self/maps").find(module + ".so") != std::string::npos;
+    void *const loaded = dlopen((module + ".so").c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    return loaded != nullptr && dlclose(loaded) == 0;
 }
 
 std::string Edited(std::string text, const std::string &what, const std::string &by)

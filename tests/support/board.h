@@ -8,7 +8,6 @@
 
 // What nearly every test uses comes with it.
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -20,6 +19,7 @@
 #include "velk32.h"
 
 std::string ReadFile(const std::string &path);
+std::vector<std::string> Split(const std::string &text, char separator);
 
 // A fresh directory, removed with all that is in it.
 struct Directory {
@@ -43,6 +43,9 @@ struct Directory {
     [[nodiscard]] std::string Module(const std::string &name, const std::string &missing = "") const;
 };
 
+// Every name in a directory, sorted, a blank behind each.
+std::string Names(const Directory &directory);
+
 // The answers of the scripted accessor, and what it was asked.
 struct Script {
     StatusCode initialize, close, createSession, read, write, loadFromFile, setInternal;
@@ -50,10 +53,17 @@ struct Script {
     const char *oldFile;   // what Cfg_LoadFromFile leaves
     const char *internal;  // what Cfg_SetInternalVRegs adds, growing the table
     std::string calls;     // in order, a blank behind each
+    int entered;           // number of calls
+    int failing;           // the one of them that fails in the end, whatever its answer would be; 0: none
+    ConfigClass *configClass;
 };
+constexpr StatusCode scriptedFailure = -109;
 extern Script *script; // in force: that of the latest desk
 
-VRegTable *Table_FromText(const std::string &text, VRegTable *table = nullptr); // appended, if there is one
+// Appends registers to the table in a place, or makes one. False without memory, with those that there was
+// memory for.
+bool Table_Append(const std::string &text, VRegTable **place);
+VRegTable *Table_FromText(const std::string &text);
 std::string Table_Text(const VRegTable *table);
 
 // The place of the table, with which a configuration begins.
@@ -130,26 +140,5 @@ std::string Option(const std::string &name, const std::string &keys, const std::
 // Expects of a new board that its class gives `results` as its status, or loads and gives them in a run.
 void Board_Expect(const std::string &keys, const std::string &options, const char *registers,
                   const std::string &commands, const std::string &results);
-
-// Makes the first allocation of `call` fail, with count - 1 behind it, then the second, until none is left.
-// What `observe` tells may not change before. Gives the statuses in order, repeated ones once.
-template <typename Call, typename Observe>
-std::string FailEachAllocation(Call call, Observe observe, int64_t count = 1)
-{
-    const auto before = observe();
-    std::string statuses, last;
-    for (int64_t nth = 1; !testing::Test::HasFailure(); ++nth) {
-        std::optional<FailAllocations> fail(std::in_place, nth, count);
-        const std::string status = std::to_string(call()) + " ";
-        const bool fired = fail->Fired();
-        fail.reset();
-        if (!fired)
-            return statuses.append("then ").append(status);
-        EXPECT_EQ(observe(), before) << "allocation " << nth;
-        statuses += status != last ? status : "";
-        last = status;
-    }
-    return statuses;
-}
 
 #endif

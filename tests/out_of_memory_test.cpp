@@ -1,0 +1,310 @@
+// What every export leaves behind when memory runs out within it.
+#include "tests/support/out_of_memory.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include <gtest/gtest-spi.h>
+
+namespace
+{
+
+// B, T and L follow A. Some rules test an option of a later file.
+const std::string definedKeys = "[I]\n0x10 (1)=Index\nArray=1,2,:4:1:9\n[U]\n0x0B000002 (0)=String\n";
+const std::string definedOptions = Option("A", "A", "Range", "default=0:1:3") +
+                                   Option("B", "B", "List", "A:1=(5,6)\ndefault=(1,2)") +
+                                   Option("T", "T", "String", "A:1=one\ndefault=other") +
+                                   Option("L", "L", "ListSet", "A:1=[(1,1)]\nA:2=[*]\ndefault=[(2),(3)]") +
+                                   Option("U", "U", "String", "Later>1=fixed\ndefault=*");
+const char state[] = "10=2 11=1 b000001=other f000001=2 b000002=- f000002=2,3";
+
+const std::string imageSettings =
+    "Keys=keys.ini\nOptions=more.ini\nImage=board.img\nStride=16\nRegisters=0x10,0xB000001,0xF000001,0x10\n"
+    "0x10=0 u8\n0xB000001=1 text 4\n0xF000001=5 list 3 u16 big\n0x10:2=13 u8\n";
+const std::string imageClass = "[C]\nAccessor=" VELK_TEST_MODULE_DIR "/velkimage\n" + imageSettings;
+const std::string faultyClass = "[C]\nAccessor=" VELK_TEST_MODULE_DIR "/velkfaulty\nFaults=Read * kinds\n"
+                                "Wraps=" VELK_TEST_MODULE_DIR "/velkimage\n" +
+                                imageSettings;
+
+// A board with a second configuration, places for what the operations make, and files to load.
+struct Bed : Board {
+    Config *copy = nullptr;
+    VRegTable *table = nullptr;
+    List *list = nullptr;
+    char *text = nullptr, *lost = nullptr; // the latter is not observed
+    ChangeEntry entries[2] = {{"B", nullptr, 88, 77, 77, nullptr}, {"T", nullptr, 88, 77, 77, nullptr}};
+
+    Bed()
+        : Board(definedKeys + sampleKeys, definedOptions, state,
+                Option("Later", "A", "Range", "default=0:1:9"))
+    {
+        directory.Write("file", "[Information]\nKey=k\n[Data]\n10=3\n0B000001=new\n0F000001=7,8\n");
+        directory.Write("board.img", {"\x7F\x41\x42\0Z\0\2\1\2\xFF\xFE..\1..", 16});
+        answers.oldFile = "10=2 b000001=older f000001=9";
+        answers.internal = "fb000001=internal";
+        EXPECT_EQ(VelkCreateConfig(engine, "C", &copy), 0);
+    }
+    ~Bed()
+    {
+        Discard();
+        FreeVRegTable(table);
+        if (list != nullptr)
+            List_Delete(list);
+        String_Delete(text);
+        String_Delete(lost);
+    }
+    void Discard()
+    {
+        for (Config **one : {&config, &copy})
+            if (*one != nullptr)
+                VelkDiscardConfig(std::exchange(*one, nullptr));
+    }
+
+    [[nodiscard]] std::string Observe() const
+    {
+        std::ostringstream seen;
+        seen << (engine != nullptr) << IsModuleLoaded(VELK_TEST_MODULE_DIR "/scripted_accessor")
+             << IsModuleLoaded(VELK_TEST_MODULE_DIR "/velkimage");
+        for (Config *one : {config, copy}) // what a failed read left does not count
+            seen << (one == nullptr                 ? " none "
+                     : VelkIsConfigLoaded(one) == 1 ? " loaded " + Table_Text(TableOf(one)) + " "
+                                                    : " empty ");
+        if (engine != nullptr && config != nullptr && VelkIsConfigLoaded(config) == 1)
+            seen << Run("A B T L U");
+        seen << " made " << Table_Text(table) << " " << (table == nullptr ? 0 : table->capacity) << " "
+             << (list == nullptr ? -1 : list->count) << (text == nullptr ? "-" : text);
+        for (const ChangeEntry &entry : entries)
+            seen << "\n" << entry.flags << " " << (entry.newValue > 77) << (entry.newValidRef != nullptr);
+        seen << "\n" << Names(directory) << directory.Read("file") << directory.Read("board.img");
+        return seen.str();
+    }
+};
+
+void StartAnew(Bed &bed, const std::string &catalogue)
+{
+    bed.Discard();
+    bed.Clear();
+    EXPECT_EQ(bed.Start(catalogue), 0);
+}
+
+void StartImage(Bed &bed)
+{
+    StartAnew(bed, imageClass);
+}
+
+void StartFaulty(Bed &bed)
+{
+    StartAnew(bed, faultyClass);
+}
+
+void OpenFaulty(Bed &bed)
+{
+    StartFaulty(bed);
+    EXPECT_EQ(bed.Open("C"), 0);
+}
+
+void LoadImage(Bed &bed)
+{
+    StartImage(bed);
+    EXPECT_EQ(bed.Open("C") + bed.Load(), 0);
+}
+
+StatusCode FromNull(const void *made)
+{
+    return made == nullptr ? -1 : 0;
+}
+
+StatusCode MakeText(Bed &bed)
+{
+    return FromNull(bed.text = String_CopyNew("text"));
+}
+
+void MakeObjects(Bed &bed)
+{
+    bed.table = AllocateVRegTable(9);
+    bed.list = List_New(0);
+    EXPECT_EQ(List_Append(bed.list, 5) + MakeText(bed), 0);
+}
+
+StatusCode AppendText(Bed &bed)
+{
+    char *longer = String_Append(bed.text, " and more");
+    bed.text = longer == nullptr ? bed.text : longer;
+    return FromNull(longer);
+}
+
+StatusCode GrowTable(Bed &bed)
+{
+    VRegTable *grown = GrowVRegTable(bed.table, 1000);
+    bed.table = grown == nullptr ? bed.table : grown;
+    return FromNull(grown);
+}
+
+void ClearFlags(Bed &bed)
+{
+    bed.entries[0].flags = bed.entries[1].flags = 0;
+}
+
+StatusCode OpenClass(Bed &bed)
+{
+    return bed.Open("C");
+}
+
+StatusCode LoadBoard(Bed &bed)
+{
+    return bed.Load();
+}
+
+// Calls whatever needs no memory.
+StatusCode CallTheOthers(Bed &bed)
+{
+    Config *config = bed.config;
+    const char *name = nullptr;
+    char message[80];
+    int32_t kind = 0;
+    uint32_t number = 0;
+    VelkWord word = 0, words[3] = {};
+    VelkOptionRef option = nullptr;
+    VelkValidRef valid = nullptr;
+    VelkStrError(-1, message);
+    const StatusCode status =
+        std::min({CfgClass_GetAccessorData(bed.answers.configClass, "Keys", &name),
+                  VelkTranslateValue(config, "C", 1, message, 80) + 203,
+                  VelkIsConfigLoaded(config),
+                  VelkIsConfigModified(config),
+                  VelkGetBits(config, 0x10, 1, 1, &word),
+                  VelkSetBits(config, 0x10, 1, 1, 1),
+                  VelkGetKey(config, "A", &word),
+                  VelkGetKey(config, "L", &word),
+                  VelkSetKey(config, "A", 2),
+                  VelkSetKey(config, "T", Word("other")),
+                  VelkGetOption(config, "B", &number),
+                  VelkGetOptionEx(config, "L", -1, &word, &kind),
+                  VelkNumberOfOptions(config, &number),
+                  VelkGetOptionNames(config, &name, 1),
+                  VelkRefFromOptionName(config, "T", &option),
+                  VelkQueryOptionValidValues(config, "B", &number, &valid),
+                  VelkDataFromValidValueRef(config, valid, words),
+                  VelkDataFromValueListRef(config, reinterpret_cast<const uint32_t *>(words[1]), &number, 1),
+                  List_AreEqual(bed.list, bed.list),
+                  String_AreEqual(bed.text, bed.text),
+                  FromNull(LookupVReg(TableOf(config), 0x11, 1)),
+                  VelkDiscardConfig(std::exchange(bed.copy, nullptr))});
+    String_Delete(std::exchange(bed.text, nullptr));
+    List_Delete(std::exchange(bed.list, nullptr));
+    FreeVRegTable(std::exchange(bed.table, nullptr));
+    return status;
+}
+
+const Operation<Bed> operations[] = {
+    {"List_New", "-1", "", [](Bed &bed) { return FromNull(bed.list = List_New(3)); }},
+    {"List_CopyNew", "-1", "",
+     [](Bed &bed) {
+         return FromNull(bed.list =
+                             List_CopyNew(reinterpret_cast<List *>(TableOf(bed.config)->regs[3].value)));
+     }},
+    {"List_Append", "-1", "", [](Bed &bed) { return List_Append(bed.list, 6); }, MakeObjects},
+    {"String_CopyNew", "-1", "", MakeText},
+    {"String_Append", "-1", "", AppendText, MakeObjects},
+    {"AllocateVRegTable", "-1", "", [](Bed &bed) { return FromNull(bed.table = AllocateVRegTable(3)); }},
+    {"GrowVRegTable", "-1", "", GrowTable, MakeObjects},
+    {"CopyVRegTable", "0", "", [](Bed &bed) { return CopyVRegTable(TableOf(bed.config), bed.table), 0; },
+     MakeObjects},
+    {"CfgClass_GetAccessorData VelkTranslateValue VelkIsConfigLoaded VelkIsConfigModified VelkGetBits "
+     "VelkSetBits "
+     "VelkGetKey VelkSetKey VelkGetOption VelkGetOptionEx VelkNumberOfOptions VelkGetOptionNames "
+     "VelkRefFromOptionName VelkQueryOptionValidValues VelkDataFromValidValueRef VelkDataFromValueListRef "
+     "List_AreEqual String_AreEqual LookupVReg VelkDiscardConfig String_Delete List_Delete FreeVRegTable "
+     "VelkStrError",
+     "", "", CallTheOthers, MakeObjects},
+    {"VelkInitializeConfigEngine", "-201 -202", "",
+     [](Bed &bed) { return VelkInitializeConfigEngine(bed.directory.path.c_str(), &bed.engine); },
+     [](Bed &bed) { bed.Discard(), bed.Clear(); }},
+    {"VelkCloseConfigEngine", "", "",
+     [](Bed &bed) { return VelkCloseConfigEngine(std::exchange(bed.engine, nullptr)); }, LoadImage},
+    // Configuration and class, module, the accessor's settings, keys, options: of each its table and files.
+    {"VelkCreateConfig", "-1", "", OpenClass, [](Bed &bed) { bed.Discard(); }},
+    {"VelkCreateConfig", "-1 -201 -204 -201 -205 -201 -206", "-109", OpenClass,
+     [](Bed &bed) { StartAnew(bed, bed.directory.Read("CfgClass.ini")); }},
+    {"VelkCreateConfig", "-1 -201 -204 -1 -201 -205 -201 -206", "", OpenClass, StartImage},
+    {"VelkCreateConfig", "-1 -201 -204 -1 -204 -1 -201 -205 -201 -206", "", OpenClass, StartFaulty},
+    {"VelkDuplicateConfig", "-1 0", "", [](Bed &bed) { return VelkDuplicateConfig(bed.config, bed.copy); }},
+    {"VelkLoadCurrentConfig", "-1!", "-109 -109! 0", LoadBoard, LeaveAsItIs,
+     [](Bed &bed) {
+         bed.answers.read = -1;
+         EXPECT_EQ(bed.Load(), -1);
+     }},
+    {"VelkLoadCurrentConfig", "-1 -1!", "", LoadBoard, LoadImage,
+     [](Bed &bed) { EXPECT_EQ(bed.Open("C"), 0); }},
+    {"VelkLoadCurrentConfig", "-1", "", LoadBoard, OpenFaulty, LeaveAsItIs, true},
+    {"VelkSaveCurrentConfig", "", "-109 0", [](Bed &bed) { return bed.Save(); }},
+    {"VelkSaveCurrentConfig", "-1", "", [](Bed &bed) { return bed.Save(); },
+     [](Bed &bed) {
+         LoadImage(bed);
+         EXPECT_EQ(bed.Run("#T='CD"), "0");
+     }},
+    {"VelkLoadFromFile", "-1 -4 -1", "-109", [](Bed &bed) { return bed.LoadFile(); }},
+    {"VelkLoadFromFile", "-1 2 -4 -1", "-4 -109", [](Bed &bed) { return bed.LoadFile(); },
+     [](Bed &bed) {
+         bed.directory.Write("file", "[Older]\n");
+         bed.answers.loadFromFile = 0;
+     }},
+    {"VelkSaveToFile", "-1 -6", "", [](Bed &bed) { return bed.SaveFile(); }},
+    {"VelkSetKey", "-1", "", [](Bed &bed) { return VelkSetKey(bed.config, "T", Word("new")); }},
+    {"VelkSetKey", "-1", "", [](Bed &bed) { return VelkSetKey(bed.config, "L", Word(bed.list)); },
+     MakeObjects},
+    {"VelkSetOption", "-1", "", [](Bed &bed) { return VelkSetOption(bed.config, "A", 1); }},
+    {"VelkSetOptionEx", "-1", "",
+     [](Bed &bed) { return VelkSetOptionEx(bed.config, "U", ValueKindString, Word("new")); }},
+    {"VelkSetOptionEx", "-1", "",
+     [](Bed &bed) { return VelkSetOptionEx(bed.config, "L", ValueKindList, Word(bed.list)); }, MakeObjects},
+    {"VelkSetOptionWithChangeList", "-1 -1!", "",
+     [](Bed &bed) { return VelkSetOptionWithChangeList(bed.config, "A", 1, bed.entries, 2); }, LeaveAsItIs,
+     ClearFlags},
+    {"VelkSetOptionExWithChangeList", "-1 -1!", "",
+     [](Bed &bed) {
+         return VelkSetOptionExWithChangeList(bed.config, "U", ValueKindString, Word("new"), bed.entries, 2);
+     },
+     LeaveAsItIs, ClearFlags},
+};
+
+// What the tests have to complain about, in these words.
+const std::pair<const char *, Operation<Bed>> canaries[] = {
+    {"seen == endings->good", {"swallows a failure", "-1", "", [](Bed &bed) { return MakeText(bed), 0; }}},
+    {"1 blocks",
+     {"keeps a block", "-1", "",
+      [](Bed &bed) {
+          return bed.lost == nullptr ? FromNull(bed.lost = String_CopyNew("")), MakeText(bed) : 0;
+      }}},
+    {"endings->spoilt",
+     {"leaves half of it", "-1", "", [](Bed &bed) { return bed.entries[0].flags = 0, MakeText(bed); }}},
+    {"operation.memory", {"tells another reason", "-99", "", MakeText}},
+    {"operation.memory", {"allocates all the same", "", "", MakeText}},
+    {"operation.accessor", {"enters an accessor", "", "", [](Bed &bed) { return bed.Save(); }}},
+    {"when called again",
+     {"stays broken", "-1", "",
+      [](Bed &bed) { return std::exchange(bed.answers.close, -1) == 0 ? MakeText(bed) : -1; }, LeaveAsItIs}},
+};
+
+} // namespace
+
+TEST(OutOfMemory, LeavesWhatWasBehindEveryExport)
+{
+    Operations_Try(operations, NamesIn("platform/libvelk32.map", "", ';'));
+    OutOfMemory_Report(1050);
+}
+
+TEST(OutOfMemory, CanariesAreReported)
+{
+    for (const auto &[complaint, operation] : canaries) {
+        testing::TestPartResultArray failures;
+        {
+            const testing::ScopedFakeTestPartResultReporter reporter(&failures);
+            Operation_Try(operation);
+        }
+        std::string text;
+        for (int n = 0; n < failures.size(); ++n)
+            text += failures.GetTestPartResult(n).message();
+        EXPECT_NE(text.find(complaint), std::string::npos) << operation.names << "\n" << text;
+    }
+}
