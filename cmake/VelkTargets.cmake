@@ -13,8 +13,10 @@ if(VELK_SANITIZERS)
 endif()
 # Counters are mapped from their file, so that a process which dies without notice has counted too.
 if(VELK_COVERAGE)
+    # Atomic: some counts are differences of others, and what threads lose of these would come out as never.
     target_compile_options(velk_build INTERFACE
-        -fprofile-instr-generate -fcoverage-mapping "SHELL:-mllvm -runtime-counter-relocation")
+        -fprofile-instr-generate -fcoverage-mapping -fprofile-update=atomic
+        "SHELL:-mllvm -runtime-counter-relocation")
     target_link_options(velk_build INTERFACE -fprofile-instr-generate)
 endif()
 if(VELK_HARDENING)
