@@ -20,22 +20,30 @@
  * Numbers are unsigned and 32 bits wide. Where one travels in a VelkWord, it is zero-extended when
  * handed out, and only the low 32 bits are looked at when passed in.
  *
- * Threads. The library has no thread and no lock of its own, and no state outside its objects. At the
- * same time may run
- *   - calls on different engines, and on configurations of different engines;
- *   - calls on different configurations of one engine, of one class or of several. VelkCreateConfig for
- *     a class that is loaded counts as a call on the configuration that it makes, VelkDuplicateConfig
- *     as one on both of its configurations;
- *   - VelkStrError beside anything, and calls of the containers on different objects.
- * The client serialises
- *   - calls on one configuration, those that only read it included;
- *   - a VelkCreateConfig that loads a class (each of its name up to the first that succeeds) and
- *     VelkCloseConfigEngine, beside any other call on that engine and its configurations but
- *     VelkDiscardConfig;
- *   - calls that enter the same accessor module, unless that module allows them: those two,
- *     VelkLoadCurrentConfig, VelkSaveCurrentConfig and VelkLoadFromFile. The accessor velkimage allows
- *     all of them, velkfaulty what the accessor allows that it wraps.
- * A file may be saved by several threads and processes at once: it is one of theirs, as a whole.
+ * Threads. The library starts no thread, takes no lock and has no scratch that calls share. Any thread
+ * may make any call, also on what another thread made, and two calls may run at the same time. The
+ * exceptions, which the client keeps apart:
+ *
+ * Two calls on one configuration, even if both only read. A duplicate is a call on both of its
+ * configurations; reading a string or list that belongs to a configuration is a call on it, too.
+ *
+ * Two calls of VelkCreateConfig on one engine, if one of them loads a class: it is the first of its name,
+ * or those before it failed. Calls on configurations that the engine has may go on meanwhile.
+ *
+ * VelkCloseConfigEngine and any other call on the engine or on a configuration of it, except
+ * VelkDiscardConfig.
+ *
+ * Two calls that enter one accessor module, in whichever engines, unless the documentation of the module
+ * allows it, as that of velkimage does. These are the VelkCreateConfig that loads a class,
+ * VelkCloseConfigEngine, VelkLoadCurrentConfig, VelkSaveCurrentConfig and VelkLoadFromFile.
+ *
+ * Two calls on one list, string or register table of the client's own, if one of them changes or
+ * releases it.
+ *
+ * What belongs to an engine or a class never changes: option names and references, rules and their valid
+ * values may be read on any number of threads until the engine is closed. Saves to one regular file and
+ * loads of it may run at the same time: a load gets one save, and the whole of it. Relative paths count
+ * from the working directory of the process, which must not change during a call.
  */
 #ifndef VELK32_H
 #define VELK32_H

@@ -3,8 +3,13 @@
  *
  * A class names its accessor with the item "Accessor" of its catalogue section. The module links
  * against the library and exports the entry points below, the last two if it wants to. Each is
- * defined with VELK_ACCESSOR_ENTRY in front of it. They run inside the client's calls, on its thread;
- * a module that keeps state of its own and wants to serve several threads guards it itself.
+ * defined with VELK_ACCESSOR_ENTRY in front of it.
+ *
+ * Threads. Entries run inside the client's calls, on its thread, which may be another one each time. A
+ * session is opened, used once and closed in one such call. Clients let two calls enter a module at the
+ * same time, of two classes and engines too, only if its documentation allows it; a module that allows
+ * it guards the state that it keeps. CfgClass_GetAccessorData may be called at any time, on any thread,
+ * until the engine is closed.
  *
  * Register tables and their strings and lists are made with the library's exports and belong to the
  * library once handed over. Two traps: slots begin one VReg behind the start of a table's block,

@@ -1,12 +1,15 @@
-// Several threads at once: each on an engine and a board of its own, all on configurations of one loaded
-// class and on one save file. The thread sanitizer looks on; what comes out has to be what each thread comes
-// to alone.
+// What the head of velk32.h lets run at the same time runs so: engines of one's own, configurations of a
+// class that all threads share, a class load beside them. Nothing orders the threads but their start, so
+// that the thread sanitizer sees what does not hold.
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <barrier>
+#include <deque>
 #include <filesystem>
+#include <iostream>
 #include <thread>
 
 #include "tests/support/board.h"
@@ -14,161 +17,200 @@
 namespace
 {
 
-constexpr uint32_t addresses[] = {8, 24, 96, 192}; // of the threads' boards
-constexpr uint32_t threadCount = std::size(addresses);
+constexpr uint32_t Threads = 4, LeastRounds = 12, MostRounds = 2000, LateClasses = 60, SharedUnit = 100;
+constexpr size_t BoardSize = 64;
+constexpr char SharedClass[] = "100";
+const std::string module = VELK_TEST_MODULE_DIR "/velkimage";
 
-enum Kind { Load, Set, Read, SaveFile, LoadFile, ReadBoard, WriteBoard, Copy, Translate, Other, KindCount };
-constexpr const char *kindNames[KindCount] = {"class loads",  "sets",        "reads",        "saves to file",
-                                              "file loads",   "board reads", "board writes", "copies",
-                                              "translations", "others"};
-
-// Relaxed: what counts the calls may not put them in an order, or it would hide the races between them.
-std::atomic<int> underWay;
-std::array<std::atomic<int>, KindCount> overlapped;
-
-template <typename Call> auto Counted(Kind kind, Call call)
+// The sample with a board for each thread in its image, and its class under numbers: each thread's, the
+// shared one and the late ones.
+StatusCode StartSample(Desk &desk)
 {
-    if (underWay.fetch_add(1, std::memory_order_relaxed) > 0)
-        overlapped[kind].fetch_add(1, std::memory_order_relaxed);
-    auto result = call();
-    underWay.fetch_sub(1, std::memory_order_relaxed);
-    return result;
+    std::filesystem::copy(VELK_EXAMPLES_DIR "/vxi", desk.directory.path);
+    std::string image = desk.directory.Read("mainframe.img");
+    for (uint32_t n = 0; n < Threads; ++n)
+        image.replace(n * BoardSize, BoardSize, image, 8 * BoardSize, BoardSize);
+    desk.directory.Write("mainframe.img", image);
+
+    std::string text = Edited(desk.directory.Read("CfgClass.ini"), "velkimage\n", module + "\n");
+    const size_t start = text.find("Accessor");
+    const std::string settings = "\n" + text.substr(start, text.find("\n[", start) - start);
+    for (uint32_t n = 0; n <= SharedUnit + LateClasses; n += n == Threads ? SharedUnit - Threads : 1)
+        text += "\n[" + std::to_string(n) + "]\nUnit=" + std::to_string(std::min(n, SharedUnit)) + settings;
+    return desk.Start(text);
 }
 
-// The sample. It holds the accessor's module, because the sanitizer does not see the loader's lock: when the
-// last engine that uses the module closes, it takes the destructors that the unloading runs for a race with
-// the calls before.
-struct Site : Desk {
-    void *const held = dlopen(VELK_TEST_MODULE_DIR "/velkimage.so", RTLD_NOW);
+// A thread's own engine and file, and its configurations of an engine that all share; `config` is in use.
+struct Worker : Desk {
+    const Desk &common;
+    ConfigEngine *growing; // thread 0 loads classes while others work on its configurations
+    uint32_t number, unit = 0, lateClass = 0;
+    std::string name = std::to_string(number), shared = common.directory.Path("file");
+    Config *own = nullptr, *member = nullptr, *copy = nullptr, *passing = nullptr;
+    char text[78] = "";
 
-    Site()
+    Worker(const Desk &desk, ConfigEngine *engineOfAll, uint32_t thread)
+        : common(desk), growing(engineOfAll), number(thread)
     {
-        const std::string sample = VELK_EXAMPLES_DIR "/vxi";
-        std::filesystem::copy(sample, directory.path);
-        EXPECT_EQ(Start(Edited(ReadFile(sample + "/CfgClass.ini"), "velkimage\n",
-                               VELK_TEST_MODULE_DIR "/velkimage\n")),
-                  0);
-        EXPECT_EQ(Open("VxiDevice"), 0);
+        EXPECT_EQ(VelkCreateConfig(growing, SharedClass, &member), 0);
+        EXPECT_EQ(VelkCreateConfig(growing, SharedClass, &copy), 0);
     }
-    ~Site()
+    [[nodiscard]] std::string Result() const
     {
-        Clear();
-        dlclose(held);
+        const std::string image = common.directory.Read("mainframe.img");
+        return Table_Text(TableOf(copy)) + directory.Read("file") +
+               image.substr(number * BoardSize, BoardSize);
     }
 };
 
-// What one thread does: two configurations of the shared class, on a board of its own.
-struct Worker {
-    const Site *site;
-    uint32_t board;
-    Config *config = nullptr, *copy = nullptr;
-    std::string log = {};
-
-    void Expect(Kind kind, StatusCode status, StatusCode expected = 0)
-    {
-        if (status != expected)
-            log += std::string(kindNames[kind]) + " gave " + std::to_string(status) + "; ";
-    }
-    [[nodiscard]] StatusCode LoadAClass() const
-    {
-        ConfigEngine *engine = nullptr;
-        Config *own = nullptr;
-        StatusCode status = VelkInitializeConfigEngine(site->directory.path.c_str(), &engine);
-        status += VelkCreateConfig(engine, "VxiDevice", &own);
-        status += VelkLoadCurrentConfig(own, board, 0);
-        return status + VelkCloseConfigEngine(engine) + VelkDiscardConfig(own);
-    }
-    void SetAndRead(uint32_t space)
-    {
-        ChangeEntry changes[2] = {{"Memory", nullptr, 0, 0, 0, nullptr},
-                                  {"Label", nullptr, 0, 0, 0, nullptr}};
-        Expect(Set, Counted(Set, [&] {
-                   return VelkSetOptionWithChangeList(config, "AddressSpace", space, changes, 2);
-               }));
-        const std::string label = "board " + std::to_string(board);
-        Expect(Set, Counted(Set, [&] {
-                   return VelkSetOptionEx(config, "Label", ValueKindString, Word(label.c_str()));
-               }));
-        uint32_t kind = 0, count = 0;
-        VelkValidRef ref = nullptr;
-        VelkWord words[3];
-        Expect(Read, Counted(Read, [&] {
-                   return VelkNumberOfOptions(config, &count) +
-                          VelkQueryOptionValidValues(config, "Memory", &kind, &ref) +
-                          VelkDataFromValidValueRef(config, ref, words) +
-                          VelkGetOptionEx(config, "Label", -1, words, nullptr);
-               }));
-    }
-    void SaveAndLoad(const std::string &path)
-    {
-        Expect(SaveFile, Counted(SaveFile, [&] { return VelkSaveToFile(config, path.c_str(), "k"); }));
-        Expect(LoadFile, Counted(LoadFile, [&] { return VelkLoadFromFile(copy, path.c_str(), "k"); }));
-        Expect(LoadFile, TableOf(copy)->count, TableOf(config)->count); // whoever saved it, all of it
-    }
-    void Round(uint32_t round)
-    {
-        Expect(Load, Counted(Load, [&] { return LoadAClass(); }));
-        Expect(ReadBoard, Counted(ReadBoard, [&] { return VelkLoadCurrentConfig(config, board, 0); }));
-        SetAndRead(round % 2);
-        SaveAndLoad(site->directory.Path("shared.cfg"));
-        SaveAndLoad(site->directory.Path("own" + std::to_string(board) + ".cfg"));
-        Expect(Copy, Counted(Copy, [&] { return VelkDuplicateConfig(copy, config); }));
-        Expect(WriteBoard, Counted(WriteBoard, [&] { return VelkSaveCurrentConfig(config, board, 0); }));
-        char text[80];
-        Expect(Translate, Counted(Translate, [&] {
-                   return VelkTranslateValue(config, "VxiDevice/AddressSpace", round % 2, text, sizeof text);
-               }));
-        Expect(Other, Counted(Other, [&] {
-                   VelkStrError(-static_cast<StatusCode>(round), text);
-                   return VelkDiscardConfig(copy) + VelkCreateConfig(site->engine, "VxiDevice", &copy);
-               }));
-    }
-};
-
-// Every thread's work from the same start, at once or one after the other: what each has in the end.
-std::string Work(const Site &site, bool isAtOnce, uint32_t rounds)
+StatusCode LoadBoard(Worker &worker)
 {
-    site.directory.Write("mainframe.img", ReadFile(VELK_EXAMPLES_DIR "/vxi/mainframe.img"));
-    std::vector<Worker> workers;
-    for (uint32_t n = 0; n < threadCount; ++n) {
-        workers.push_back({&site, addresses[n]});
-        VelkCreateConfig(site.engine, "VxiDevice", &workers[n].config);
-        VelkCreateConfig(site.engine, "VxiDevice", &workers[n].copy);
-    }
-    std::barrier start(isAtOnce ? threadCount : 1);
-    const auto run = [&](Worker *worker) {
-        for (uint32_t round = 0; round < rounds; ++round) {
-            start.arrive_and_wait();
-            worker->Round(round);
+    worker.config = worker.unit == SharedUnit ? worker.member : worker.own;
+    return worker.Load(worker.number, worker.unit);
+}
+
+// Memory follows from 4 KiB, which is valid in the first address space, to 64 KiB.
+StatusCode SetWithChangeList(Worker &worker)
+{
+    VelkWord words[3];
+    uint32_t first;
+    ChangeEntry entries[2] = {{"Memory", nullptr, 0, 0, 0, nullptr}, {}};
+    VelkRefFromOptionName(worker.config, "AddressSpace", &entries[1].optionRef);
+    const StatusCode status = VelkSetOptionWithChangeList(worker.config, "AddressSpace", 1, entries, 2);
+    VelkDataFromValidValueRef(worker.config, entries[0].newValidRef, words);
+    VelkDataFromValueListRef(worker.config, reinterpret_cast<uint32_t *>(words[1]), &first, 1);
+    return status != 0 || entries[0].newValue != first || first != 0x10000 || entries[1].newValue != 1;
+}
+
+// A load finds one thread's save, and the whole of it.
+StatusCode LoadOneOfAll(Worker &worker)
+{
+    const StatusCode status = VelkLoadFromFile(worker.config, worker.shared.c_str(), "k");
+    const std::string values = worker.Run("Label TriggerLines");
+    return status != 0 || values[1] != values[3];
+}
+
+StatusCode LoadLateClass(Worker &worker)
+{
+    if (worker.number != 0 || worker.lateClass == LateClasses)
+        return 0;
+    const std::string name = std::to_string(SharedUnit + ++worker.lateClass);
+    return VelkCreateConfig(worker.growing, name.c_str(), &worker.passing) +
+           VelkDiscardConfig(worker.passing);
+}
+
+const std::pair<const char *, StatusCode (*)(Worker &)> calls[] = {
+    {"open",
+     [](Worker &w) { return VelkInitializeConfigEngine(w.common.directory.path.c_str(), &w.engine); }},
+    {"load class", [](Worker &w) { return VelkCreateConfig(w.engine, w.name.c_str(), &w.own); }},
+    {"load board", LoadBoard},
+    {"set", [](Worker &w) { return +(w.Run("AddressSpace=0 Memory=4096 Label='t" + w.name) != "0 0 0"); }},
+    {"change list", SetWithChangeList},
+    {"keys", [](Worker &w) { return +(w.Run("#Averages=16 TriggerLines=(" + w.name) != "0 0"); }},
+    {"save board", [](Worker &w) { return w.Save(w.number, w.unit); }},
+    {"save, own file", [](Worker &w) { return w.SaveFile(); }},
+    {"save, one file", [](Worker &w) { return VelkSaveToFile(w.config, w.shared.c_str(), "k"); }},
+    {"load, one file", LoadOneOfAll},
+    {"load, own file", [](Worker &w) { return w.LoadFile(); }},
+    {"duplicate", [](Worker &w) { return VelkDuplicateConfig(w.member, w.copy); }},
+    {"create", [](Worker &w) { return VelkCreateConfig(w.common.engine, SharedClass, &w.passing); }},
+    {"discard", [](Worker &w) { return VelkDiscardConfig(w.passing); }},
+    {"translate", [](Worker &w) { return VelkTranslateValue(w.config, "VxiDevice/Memory", 0, w.text, 78); }},
+    {"message", [](Worker &w) { return VelkStrError(-1, w.text), StatusCode{0}; }},
+    {"late class", LoadLateClass},
+    {"close", [](Worker &w) { return VelkCloseConfigEngine(std::exchange(w.engine, nullptr)); }},
+    {"discard, closed", [](Worker &w) { return VelkDiscardConfig(w.own); }},
+};
+
+// Relaxed, so that the counting puts no call of one thread ahead of another's: it would hide a race.
+constexpr auto relaxed = std::memory_order_relaxed;
+std::atomic<uint32_t> inFlight;
+std::array<std::atomic<uint32_t>, std::size(calls)> overlapped; // calls that began beside another thread's
+
+// Once with a configuration of the thread's own engine, once with one of the engine that all share.
+void RunRounds(Worker &worker)
+{
+    for (const uint32_t unit : {worker.number, SharedUnit}) {
+        worker.unit = unit;
+        for (size_t n = 0; n < std::size(calls); ++n) {
+            if (inFlight.fetch_add(1, relaxed) > 0)
+                overlapped[n].fetch_add(1, relaxed);
+            EXPECT_EQ(calls[n].second(worker), 0) << calls[n].first;
+            inFlight.fetch_sub(1, relaxed);
         }
-    };
+    }
+}
+
+// Each thread from the start on, until nothing is missing.
+template <typename Work, typename Missing> void RunThreads(Work work, Missing isMissing)
+{
+    std::barrier start(Threads);
     std::vector<std::thread> threads;
-    for (Worker &worker : workers) {
-        threads.emplace_back(run, &worker);
-        if (!isAtOnce)
-            threads.back().join();
-    }
-    std::string result;
-    for (uint32_t n = 0; n < threadCount; ++n) {
-        if (isAtOnce)
-            threads[n].join();
-        result += workers[n].log + Table_Text(TableOf(workers[n].config)) + "\n";
-        VelkDiscardConfig(workers[n].config);
-        VelkDiscardConfig(workers[n].copy);
-    }
-    return result + ReadFile(site.directory.Path("mainframe.img"));
+    for (uint32_t n = 0; n < Threads; ++n)
+        threads.emplace_back([&, n] {
+            start.arrive_and_wait();
+            for (uint32_t round = 0; round < LeastRounds || (round < MostRounds && isMissing()); ++round)
+                work(n);
+        });
+    for (std::thread &thread : threads)
+        thread.join();
 }
 
 } // namespace
 
-TEST(Threads, ComeToWhatEachComesToAlone)
+TEST(Threads, DoAtOnceWhatTheyDoAlone)
 {
-    const Site site;
-    constexpr uint32_t rounds = 50;
-    const std::string alone = Work(site, false, rounds);
-    EXPECT_EQ(Work(site, true, rounds), alone);
-    for (size_t kind = 0; kind < KindCount; ++kind) {
-        printf("measured: %s beside another call: %d\n", kindNames[kind], overlapped[kind].load());
-        EXPECT_GT(overlapped[kind].load(), 0) << kindNames[kind];
+    Desk common, growing;
+    std::deque<Worker> workers;
+    std::string alone[Threads];
+    ASSERT_EQ(StartSample(common) + common.Open(SharedClass), 0);
+    ASSERT_EQ(VelkInitializeConfigEngine(common.directory.path.c_str(), &growing.engine), 0);
+    const std::string image = common.directory.Read("mainframe.img");
+    for (uint32_t n = 0; n < Threads; ++n) {
+        RunRounds(workers.emplace_back(common, growing.engine, n));
+        alone[n] = workers[n].Result();
     }
+    common.directory.Write("mainframe.img", image);
+
+    RunThreads(
+        [&](uint32_t n) { RunRounds(workers[n]); },
+        [] { return std::ranges::any_of(overlapped, [](auto &count) { return count.load(relaxed) == 0; }); });
+    for (size_t n = 0; n < std::size(calls); ++n) {
+        std::cout << "measured: " << overlapped[n] << " overlapped: " << calls[n].first << "\n";
+        EXPECT_GT(overlapped[n], 0U) << calls[n].first;
+    }
+    for (Worker &worker : workers) {
+        EXPECT_EQ(worker.Result(), alone[worker.number]);
+        VelkDiscardConfig(worker.member);
+        VelkDiscardConfig(worker.copy);
+        worker.config = nullptr;
+    }
+    // Nothing but the definitions, the image with its table, and the file of all: saves leave no debris.
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(common.directory.path), {}), 6);
+}
+
+// The loader runs the destructors of a module that goes under its own lock, which the thread sanitizer does
+// not see. There the module is held, so that it stays; elsewhere the threads really load and unload it.
+TEST(Threads, LoadAndUnloadOneModule)
+{
+    Desk common;
+    ASSERT_EQ(StartSample(common), 0);
+    const bool isHeld = dlsym(RTLD_DEFAULT, "__tsan_init") != nullptr;
+    void *const held = isHeld ? dlopen((module + ".so").c_str(), RTLD_NOW) : nullptr;
+    std::atomic<uint32_t> unloads{0};
+    const auto work = [&](uint32_t n) {
+        ConfigEngine *engine;
+        Config *config;
+        EXPECT_EQ(VelkInitializeConfigEngine(common.directory.path.c_str(), &engine), 0);
+        EXPECT_EQ(VelkCreateConfig(engine, std::to_string(n).c_str(), &config), 0);
+        EXPECT_EQ(VelkLoadCurrentConfig(config, n, n), 0);
+        VelkCloseConfigEngine(engine);
+        VelkDiscardConfig(config);
+        unloads.fetch_add(IsModuleLoaded(module) ? 0 : 1, relaxed);
+    };
+    RunThreads(work, [&] { return !isHeld && unloads.load(relaxed) < 20; });
+    std::cout << "measured: " << unloads << " times seen unloaded\n";
+    EXPECT_EQ(unloads == 0, isHeld);
+    if (isHeld)
+        dlclose(held);
 }

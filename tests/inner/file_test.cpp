@@ -99,23 +99,6 @@ TEST(File, ReplaceWritesAPipeInPlace)
     EXPECT_EQ(Names(directory), "pipe ");
 }
 
-TEST(File, ReplacesAtOnceGiveOneOfThem)
-{
-    const Directory directory;
-    const std::string path = directory.Path("file");
-    std::vector<std::thread> savers;
-    for (char saver = 'a'; saver < 'e'; ++saver)
-        savers.emplace_back([&path, saver] {
-            for (int i = 0; i < 50; ++i)
-                EXPECT_EQ(Replace(path, std::string(5000, saver)), FileDone);
-        });
-    for (std::thread &saver : savers)
-        saver.join();
-    const std::string bytes = directory.Read("file");
-    EXPECT_EQ(bytes, std::string(5000, bytes[0]));
-    EXPECT_EQ(Names(directory), "file ");
-}
-
 TEST(File, AbsolutePathsAreAsLongAsTheyHaveToBe)
 {
     const Directory directory;
