@@ -236,7 +236,7 @@ const Operation<Bed> operations[] = {
      }},
     {"VelkLoadCurrentConfig", "-1 -1!", "", LoadBoard, LoadImage,
      [](Bed &bed) { EXPECT_EQ(bed.Open("C"), 0); }},
-    {"VelkLoadCurrentConfig", "-1", "", LoadBoard, OpenFaulty, LeaveAsItIs, true},
+    {"VelkLoadCurrentConfig", "-1", "", LoadBoard, OpenFaulty},
     {"VelkSaveCurrentConfig", "", "-109 0", [](Bed &bed) { return bed.Save(); }},
     {"VelkSaveCurrentConfig", "-1", "", [](Bed &bed) { return bed.Save(); },
      [](Bed &bed) {

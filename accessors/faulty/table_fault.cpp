@@ -54,12 +54,21 @@ StatusCode Table_Shorten(VRegTable **place, uint32_t argument)
     return 0;
 }
 
+StatusCode Table_Drop(VRegTable **place, uint32_t /*argument*/)
+{
+    FreeVRegTable(*place);
+    *place = nullptr;
+    return 0;
+}
+
 StatusCode Table_ChangeKinds(VRegTable **place, uint32_t /*argument*/)
 {
     for (int32_t n = 0; n < Table_Count(*place); ++n) {
         const StatusCode status = Register_ChangeKind(&(*place)->regs[n]);
-        if (status < 0)
+        if (status < 0) {
+            Table_Drop(place, 0);
             return status;
+        }
     }
     return 0;
 }
@@ -80,12 +89,5 @@ StatusCode Table_DropPayloads(VRegTable **place, uint32_t /*argument*/)
 {
     for (int32_t n = 0; n < Table_Count(*place); ++n)
         Register_DropPayload(&(*place)->regs[n]);
-    return 0;
-}
-
-StatusCode Table_Drop(VRegTable **place, uint32_t /*argument*/)
-{
-    FreeVRegTable(*place);
-    *place = nullptr;
     return 0;
 }

@@ -5,8 +5,8 @@
 
 #include "velk32_accessor.h"
 
-// The place of the table may hold null, and some look at no argument. Each gives 0, or -1 out of memory with
-// a part of the table changed.
+// The place of the table may hold null, and some look at no argument. Each gives 0, or -1 out of memory; the
+// place holds null then.
 
 // The registers behind the first `argument` are gone.
 StatusCode Table_Shorten(VRegTable **place, uint32_t argument);
