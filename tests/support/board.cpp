@@ -98,9 +98,8 @@ std::string ReadFile(const std::string &path)
     return (std::ostringstream() << std::ifstream(path, std::ios::binary).rdbuf()).str();
 }
 
-Directory::Directory()
+Directory::Directory() : path(mkdtemp((testing::TempDir() + "velk-XXXXXX").data()))
 {
-    path = mkdtemp((testing::TempDir() + "velk-XXXXXX").data());
 }
 
 Directory::~Directory()
