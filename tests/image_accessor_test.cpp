@@ -166,6 +166,9 @@ TEST(ImageAccessor, TouchesNothingWhenThereIsNoBoard)
         EXPECT_EQ(rig.Run("#Small"), "1");
         EXPECT_EQ(rig.directory.Read("board.img"), spoilt);
     }
+    Rig rig(Edited(goodSettings, "Stride = 32", "Stride = 0xFFFFFFFF"));
+    ASSERT_EQ(rig.Open("A"), 0);
+    EXPECT_EQ(rig.Load(0xFFFFFFFF), -102) << "a board beyond any offset";
 }
 
 TEST(ImageAccessor, RefusesAnImageThatShrankDuringASession)
@@ -205,6 +208,13 @@ TEST(ImageAccessor, ReportsAWriteThatDoesNotStay)
 
 TEST(ImageAccessor, ServesClassesAndEnginesByTheirUnits)
 {
+    for (const auto &[what, by] :
+         {std::pair{"Stride = 32", "Stride = 33"}, {", 0xF0000001\n", "\n"}, {"0 u8", "24 u8"}}) {
+        Rig rig(goodSettings, Edited(goodSettings, what, by));
+        EXPECT_EQ(rig.Open("A"), 0);
+        EXPECT_EQ(rig.Open("B"), -112) << by;
+    }
+
     Rig one;
     Rig other(goodSettings + "Unit = 3\n");
     other.directory.Write("board.img", Edited(imageBytes, "\x7F", "\x70"));

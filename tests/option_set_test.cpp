@@ -79,6 +79,10 @@ TEST(OptionSetting, CarriesDependantsAlong)
                  "0 1 20 0 0 20*=0 21*=c8 22*=1 0 20*=3 21*=c8 22*=1");
     // Paths that part and meet again are no circle.
     Board_Expect(sampleKeys, Layers(2), sampleRegisters, "O=5 .", "0 " + Edited(untouched, "11=2", "11*=5"));
+    Board_Expect(sampleKeys,
+                 o + Option("P", "A", "Range", "O<9=0:1:99") + Option("Q", "A", "Range", "O<9=0:1:99") +
+                     Option("R", "A", "Range", "P>0,Q>0=0:1:99"),
+                 sampleRegisters, "O=5 O", "0 5");
 }
 
 TEST(OptionSetting, IsAllOrNothing)
