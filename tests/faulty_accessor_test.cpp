@@ -279,3 +279,18 @@ TEST(FaultyAccessor, LetsAModuleStayThatRefusesToClose)
         EXPECT_TRUE(IsModuleLoaded(module) && IsModuleLoaded(board.accessor));
     }
 }
+
+// Exit handlers run in the opposite order, so the module's own would come first.
+TEST(FaultyAccessor, ServesAnExitHandlerThatClosesItsEngine)
+{
+    static FaultyBoard *served;
+    FaultyBoard board({});
+    served = &board;
+    const auto close = [] {
+        if (served->Load() != 0)
+            _Exit(1);
+        served->Clear();
+    };
+    const auto open = [&] { return board.StartWith(image, "") + board.Open("C"); };
+    EXPECT_EXIT(exit(atexit(close) + open()), testing::ExitedWithCode(0), "");
+}

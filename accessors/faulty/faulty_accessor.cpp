@@ -8,7 +8,7 @@
 
 // What all classes of this module have in common, since sessions do not tell their class: one wrapped module
 // and one plan, from the first class that is initialised up to the close of the last. A class load that
-// fails late is never closed; what it shares then stays until the module unloads, in the destructor.
+// fails late is never closed; what it shares then stays until the module unloads.
 struct Sharing {
     std::mutex lock;           // of what comes and goes with classes
     FaultPlan *plan = nullptr; // null: there is no class
@@ -16,8 +16,6 @@ struct Sharing {
     uint32_t classes = 0;         // initialised, and not closed
     bool isWrappedToStay = false; // it refused to close, so something may still run in it
     std::atomic<uint32_t> calls[EntryCount] = {};
-
-    ~Sharing();
 };
 
 static constinit Sharing sharing;
@@ -35,7 +33,9 @@ static void Sharing_End()
         count = 0;
 }
 
-Sharing::~Sharing()
+// At the end of the process this comes behind the client's exit handlers and static destructors, which may
+// still use and close an engine. A destructor of `sharing` would come ahead of them.
+[[gnu::destructor]] static void Module_OnUnload()
 {
     Sharing_End();
 }

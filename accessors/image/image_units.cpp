@@ -2,22 +2,23 @@
 
 #include <mutex>
 
-// The destructor runs when the module unloads.
 struct UnitChain {
     std::mutex lock;
     ImageMap *first = nullptr;
-
-    ~UnitChain()
-    {
-        while (first != nullptr) {
-            ImageMap *map = first;
-            first = map->next;
-            ImageMap_Delete(map);
-        }
-    }
 };
 
 static constinit UnitChain units;
+
+// At the end of the process this comes behind the client's exit handlers and static destructors, which may
+// still use an engine. A destructor of `units` would come ahead of them.
+[[gnu::destructor]] static void Module_OnUnload()
+{
+    while (units.first != nullptr) {
+        ImageMap *map = units.first;
+        units.first = map->next;
+        ImageMap_Delete(map);
+    }
+}
 
 // Under the lock.
 static const ImageMap *UnitChain_Find(uint32_t unit)
