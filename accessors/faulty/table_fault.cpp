@@ -1,14 +1,22 @@
 #include "accessors/faulty/table_fault.h"
 
-// The part of an id that says what its register holds; what is neither text nor list is a number.
+// The part of an id that says what its register holds.
 constexpr uint32_t KindMask = 0x0F000000;
+constexpr uint32_t NumberKind = 0;
 constexpr uint32_t TextKind = 0x0B000000;
 constexpr uint32_t ListKind = 0x0F000000;
 
-static void Register_DropPayload(VReg *reg)
+// What is neither text nor list is a number.
+static uint32_t Register_Kind(const VReg *reg)
 {
     const uint32_t kind = reg->id & KindMask;
-    if (kind != TextKind && kind != ListKind)
+    return kind == TextKind || kind == ListKind ? kind : NumberKind;
+}
+
+static void Register_DropPayload(VReg *reg)
+{
+    const uint32_t kind = Register_Kind(reg);
+    if (kind == NumberKind)
         return;
     if (kind == TextKind)
         String_Delete(reinterpret_cast<char *>(reg->value));
@@ -29,10 +37,10 @@ static StatusCode Register_Become(VReg *reg, uint32_t kind, const void *payload)
 
 static StatusCode Register_ChangeKind(VReg *reg)
 {
-    const uint32_t kind = reg->id & KindMask;
+    const uint32_t kind = Register_Kind(reg);
     if (kind == TextKind)
         return Register_Become(reg, ListKind, List_New(0));
-    if (kind != ListKind)
+    if (kind == NumberKind)
         return Register_Become(reg, TextKind, String_CopyNew(""));
     Register_DropPayload(reg);
     reg->id &= ~KindMask;
@@ -75,12 +83,13 @@ StatusCode Table_ChangeKinds(VRegTable **place, uint32_t /*argument*/)
 
 StatusCode Table_RepeatIds(VRegTable **place, uint32_t /*argument*/)
 {
-    const VRegTable *table = *place;
-    for (int32_t n = 0; n < Table_Count(table); ++n) {
-        const VReg *first = table->regs;
-        while ((first->id & KindMask) != (table->regs[n].id & KindMask))
-            ++first;
-        table->regs[n].id = first->id;
+    const VReg *firsts[16] = {};
+    for (int32_t n = 0; n < Table_Count(*place); ++n) {
+        VReg *reg = &(*place)->regs[n];
+        const VReg **first = &firsts[Register_Kind(reg) >> 24];
+        if (*first == nullptr)
+            *first = reg;
+        reg->id = (*first)->id;
     }
     return 0;
 }
