@@ -55,9 +55,9 @@ FileStatus File_Flush(File file);
 // flushed and renamed over the old one; so a reader sees the old contents or the new ones, and a
 // failure leaves the old file and nothing else. A file that this process may not write is such a
 // failure. The permission bits are the old file's, and its owner and group as far as this process may
-// give them; a new file has 0666 less the umask. A symbolic link is followed, one to nothing too. What
-// is no regular file (a pipe, a terminal) is written in place. What a process that died in here has
-// left in the directory is removed.
+// give them; a group that is another gets no more than others had. A new file has 0666 less the umask.
+// A symbolic link is followed, one to nothing too. What is no regular file (a pipe, a terminal) is
+// written in place. What a process that died in here has left in the directory is removed.
 FileStatus File_Replace(const char *path, const void *bytes, size_t size);
 
 #endif

@@ -295,14 +295,17 @@ static FileStatus NewFile_Make(const Target &target, NewFile *file)
     return FileFailed;
 }
 
-// Only some processes may give a file away; what others make stays theirs. The owner comes first, because
-// a change of owner may cut permission bits.
+// Only some processes may give a file away; what others make stays theirs. Members of a group that is not the
+// old file's were others to it, and get no more than those. The owner comes first, because a change of owner
+// may cut permission bits.
 static FileStatus NewFile_TakeAttributes(const NewFile &file, const struct stat &old)
 {
     constexpr auto anyUser = static_cast<uid_t>(-1);
-    if (System_Call([&] { return fchown(file.handle, old.st_uid, old.st_gid); }) != 0)
-        System_Call([&] { return fchown(file.handle, anyUser, old.st_gid); });
-    const int result = System_Call([&] { return fchmod(file.handle, old.st_mode & PermissionBits); });
+    mode_t mode = old.st_mode & PermissionBits;
+    if (System_Call([&] { return fchown(file.handle, old.st_uid, old.st_gid); }) != 0 &&
+        System_Call([&] { return fchown(file.handle, anyUser, old.st_gid); }) != 0)
+        mode &= ~mode_t{S_IRWXG} | (mode & S_IRWXO) << 3;
+    const int result = System_Call([&] { return fchmod(file.handle, mode); });
     return result == 0 ? FileDone : Status_FromError(errno);
 }
 

@@ -54,6 +54,20 @@ TEST(File, ReplaceKeepsPermissionBitsAndLeavesNothingElse)
     EXPECT_EQ(Names(directory), "made ");
 }
 
+TEST(File, ReplaceGivesAnotherGroupNoMoreThanOthers)
+{
+    if (geteuid() != 0 && getenv("VELK_CI") == nullptr)
+        GTEST_SKIP() << "needs root, to own a file by a group that the process is not in";
+    const Directory directory;
+    directory.Write("file", "old");
+    const std::string path = directory.Path("file");
+    ASSERT_EQ(chmod(directory.path.c_str(), 0777) + chown(path.c_str(), 0, 12345), 0);
+    ASSERT_EQ(chmod(path.c_str(), 0662) + seteuid(12345), 0);
+    EXPECT_EQ(Replace(path, "new"), FileDone);
+    ASSERT_EQ(seteuid(0), 0);
+    EXPECT_EQ(Mode(path), S_IFREG | mode_t{0622});
+}
+
 TEST(File, ReplaceFollowsLinks)
 {
     const Directory directory;
