@@ -72,12 +72,13 @@ static int Handle_Open(const char *path, int flags)
     return Handle_OpenAt(AT_FDCWD, path, flags, 0);
 }
 
+// A write of nothing is a failure, whatever errno says then: it could come again without end.
 static FileStatus Handle_Write(int handle, const void *bytes, size_t size)
 {
     const auto *at = static_cast<const char *>(bytes);
     while (size > 0) {
         const ssize_t written = System_Call([&] { return write(handle, at, size); });
-        if (written < 0)
+        if (written <= 0)
             return Status_FromError(errno);
         at += written;
         size -= static_cast<size_t>(written);
@@ -483,7 +484,7 @@ FileStatus File_WriteAt(File file, uint64_t offset, const void *bytes, size_t si
             return pwrite(File_Handle(file), static_cast<const char *>(bytes) + done, size - done,
                           static_cast<off_t>(offset + done));
         });
-        if (written < 0)
+        if (written <= 0)
             return Status_FromError(errno);
         done += static_cast<size_t>(written);
     }
