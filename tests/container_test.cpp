@@ -35,6 +35,18 @@ TEST(Registers, AreFoundByInstance)
     EXPECT_EQ(LookupVReg(table, 0xA, 1), nullptr);
     FreeVRegTable(table);
     FreeVRegTable(nullptr);
+
+    // Wherever the rounds of the search begin and end.
+    table = AllocateVRegTable(30);
+    for (uint32_t n = 0; n < table->capacity; ++n)
+        table->regs[n].id = n % 3;
+    for (int32_t n = 0; n < 30; ++n) {
+        table->count = n;
+        EXPECT_EQ(LookupVReg(table, static_cast<uint32_t>(n % 3), n / 3 + 1), nullptr) << n;
+        table->count = n + 1;
+        EXPECT_EQ(LookupVReg(table, static_cast<uint32_t>(n % 3), n / 3 + 1), table->regs + n) << n;
+    }
+    FreeVRegTable(table);
 }
 
 TEST(Registers, GrowAndCopyDeeply)

@@ -166,13 +166,29 @@ void TableSnapshot_Drop(const TableSnapshot *snapshot)
     free(snapshot->copy);
 }
 
+// The first slot of that id from `slot` on, or `end`. Eight slots a round: their compares do not wait for
+// each other, nor the loop for each of them.
+static VReg *SkipToId(VReg *slot, VReg *end, uint32_t id)
+{
+    while (end - slot >= 8) {
+        const bool isAmong = slot[0].id == id || slot[1].id == id || slot[2].id == id || slot[3].id == id ||
+                             slot[4].id == id || slot[5].id == id || slot[6].id == id || slot[7].id == id;
+        if (isAmong)
+            break;
+        slot += 8;
+    }
+    while (slot != end && slot->id != id)
+        ++slot;
+    return slot;
+}
+
 VReg *VELK_CALL LookupVReg(VRegTable *table, uint32_t id, int32_t instance)
 {
     if (instance < 1)
         return nullptr;
     VReg *end = table->regs + VRegTable_Count(table);
-    for (VReg *slot = table->regs; slot != end; ++slot)
-        if (slot->id == id && --instance == 0)
+    for (VReg *slot = SkipToId(table->regs, end, id); slot != end; slot = SkipToId(slot + 1, end, id))
+        if (--instance == 0)
             return slot;
     return nullptr;
 }
