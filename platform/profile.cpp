@@ -4,13 +4,13 @@
 
 #include <cstring>
 
-static const Record *Section_Find(const Profile *profile, const char *section)
+static const Record *Section_Find(Profile *profile, const char *section)
 {
     const uint32_t record = Profile_Find(profile, 0, section);
     return record == 0 ? nullptr : Profile_Record(profile, record);
 }
 
-static const Record *Item_Find(const Profile *profile, const char *section, const char *item)
+static const Record *Item_Find(Profile *profile, const char *section, const char *item)
 {
     const Record *owner = Section_Find(profile, section);
     if (owner == nullptr)
@@ -19,7 +19,7 @@ static const Record *Item_Find(const Profile *profile, const char *section, cons
     return record == 0 ? nullptr : Profile_Record(profile, record);
 }
 
-static const Record *Item_Nth(const Profile *profile, const char *section, int32_t n)
+static const Record *Item_Nth(Profile *profile, const char *section, int32_t n)
 {
     const Record *owner = Section_Find(profile, section);
     if (owner == nullptr)
@@ -123,11 +123,11 @@ int32_t IniPutString(Profile *profile, const char *section, const char *item, co
         return -1;
     const uint32_t owner = Profile_FindExactly(profile, 0, section);
     uint32_t number = owner == 0 ? 0 : Profile_Record(profile, owner)->section;
-    const uint32_t first = owner == 0 ? 0 : Profile_FindExactly(profile, number, item);
+    const bool mayReplace = owner != 0 && !profile->keepsDuplicates;
+    const uint32_t first = mayReplace ? Profile_FindExactly(profile, number, item) : 0;
 
     char *valueText = Profile_CopyText(profile, value);
-    char *itemText = first != 0 && !profile->keepsDuplicates ? Profile_Record(profile, first)->name
-                                                             : Profile_CopyText(profile, item);
+    char *itemText = first != 0 ? Profile_Record(profile, first)->name : Profile_CopyText(profile, item);
     if (valueText == nullptr || itemText == nullptr)
         return -1;
     if (number == 0) {

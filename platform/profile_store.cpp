@@ -5,7 +5,8 @@
 
 constexpr uint32_t FirstIndexBits = 4;
 
-// As many items of a section are looked through in file order; with one more they are in the index.
+// As many items of a section are looked through in file order; more are in the index. So are as many
+// sections, which are in the index all the same.
 constexpr uint32_t ScannedItems = 8;
 
 constexpr size_t FirstBlockCapacity = 1000;
@@ -88,23 +89,29 @@ static bool Record_IsUnder(const Record *record, uint32_t section)
     return (record->value == nullptr ? 0 : record->section) == section;
 }
 
-static bool Record_Is(const Record *record, const Name &name)
+static bool Text_IsButForCase(const char *text, const char *other)
 {
-    return Record_IsUnder(record, name.section) && strcmp(record->name, name.text) == 0;
+    while (*text != 0 && Letter_Lower(*text) == Letter_Lower(*other)) {
+        ++text;
+        ++other;
+    }
+    return *text == *other;
 }
 
-static bool Record_IsButForCase(const Record *record, const Name &name)
-{
-    if (!Record_IsUnder(record, name.section))
-        return false;
+// How a record bears a name, from the least to the most.
+enum Match { MatchNone, MatchButForCase, MatchExact };
 
-    const char *mine = record->name;
-    const char *its = name.text;
-    while (*mine != 0 && Letter_Lower(*mine) == Letter_Lower(*its)) {
-        ++mine;
-        ++its;
-    }
-    return *mine == *its;
+// Nearly all names are asked for as they were written, which is told faster.
+static Match Text_Match(const char *text, const char *name, Match least)
+{
+    if (*text == *name && strcmp(text, name) == 0)
+        return MatchExact;
+    return least == MatchButForCase && Text_IsButForCase(text, name) ? MatchButForCase : MatchNone;
+}
+
+static Match Record_Match(const Record *record, const Name &name, Match least)
+{
+    return Record_IsUnder(record, name.section) ? Text_Match(record->name, name.text, least) : MatchNone;
 }
 
 static bool Index_Resize(Index *index, uint32_t bits)
@@ -139,7 +146,7 @@ static bool Index_Reserve(Index *index, size_t extra)
 {
     if (Index_HasRoom(index->bits, index->count + extra))
         return true;
-    uint32_t bits = index->bits + 2; // filling it anew costs more than the room
+    uint32_t bits = index->bits + (index->bits < 16 ? 2 : 1); // filling it anew costs more than a little room
     while (!Index_HasRoom(bits, index->count + extra))
         ++bits;
     return Index_Resize(index, bits);
@@ -151,40 +158,43 @@ static void Index_Clear(Index *index)
     index->count = 0;
 }
 
-// The slot of the record that matches, or the empty one where it would stand.
-static Slot *Index_Seek(const Profile *profile, const Index *index, uint32_t hash, const Name &name,
-                        bool (*isMatch)(const Record *, const Name &))
+struct Found {
+    Slot *slot; // of the record that matches, or the empty one where it would stand
+    Match match;
+};
+
+static Found Index_Seek(const Profile *profile, const Index *index, uint32_t hash, const Name &name,
+                        Match least)
 {
     const size_t last = (size_t{1} << index->bits) - 1;
     size_t at = hash >> (32 - index->bits);
     while (index->slots[at].record != 0) {
-        const Slot &slot = index->slots[at];
-        if (slot.hash == hash && isMatch(Profile_Record(profile, slot.record), name))
-            break;
+        Slot *slot = &index->slots[at];
+        if (slot->hash == hash) {
+            const Match match = Record_Match(Profile_Record(profile, slot->record), name, least);
+            if (match != MatchNone)
+                return {slot, match};
+        }
         at = (at + 1) & last;
     }
-    return &index->slots[at];
+    return {&index->slots[at], MatchNone};
 }
 
 // A name whose text its receiver has changed is not found in `firsts`, nor does it hide its variants.
 static Spot Profile_Seek(const Profile *profile, const Name &name)
 {
-    Spot spot = {0, 0, false, nullptr, Name_Hash(profile->seed, name, CaseIgnored)};
-    spot.slot = Index_Seek(profile, &profile->firsts, spot.hash, name, Record_IsButForCase);
-    spot.first = spot.slot->record;
-    if (spot.first != 0 && strcmp(Profile_Record(profile, spot.first)->name, name.text) == 0) {
-        spot.exact = spot.first;
-        return spot;
-    }
-    if (spot.first == 0 && profile->variants.count == 0)
-        return spot;
+    const uint32_t hash = Name_Hash(profile->seed, name, CaseIgnored);
+    const Found first = Index_Seek(profile, &profile->firsts, hash, name, MatchButForCase);
+    if (first.match == MatchExact)
+        return {first.slot->record, first.slot->record, false, first.slot, hash};
+    if (first.match == MatchNone && profile->variants.count == 0)
+        return {0, 0, false, first.slot, hash};
 
-    const uint32_t hash = Name_Hash(profile->seed, name, CaseKept);
-    Slot *slot = Index_Seek(profile, &profile->variants, hash, name, Record_Is);
-    spot.exact = slot->record;
-    if (spot.first == 0)
-        return spot;
-    return {spot.exact, spot.first, true, slot, hash};
+    const uint32_t exactHash = Name_Hash(profile->seed, name, CaseKept);
+    const Found variant = Index_Seek(profile, &profile->variants, exactHash, name, MatchExact);
+    if (first.match == MatchNone)
+        return {variant.slot->record, 0, false, first.slot, hash};
+    return {variant.slot->record, first.slot->record, true, variant.slot, exactHash};
 }
 
 static void Profile_Enter(Profile *profile, const Spot &spot, uint32_t record)
@@ -238,28 +248,47 @@ static bool Section_ReservePlace(Profile *profile, Section *section)
 }
 
 // The first item in file order that matches, or 0.
-static uint32_t Section_Scan(const Profile *profile, const Section *section, const Name &name,
-                             bool (*isMatch)(const Record *, const Name &))
+static uint32_t Items_Scan(const Profile *profile, const Section *section, const char *name, Match least)
 {
     const uint32_t *places = profile->places.items + section->firstPlace;
     for (uint32_t i = 0; i < section->count; ++i)
-        if (isMatch(Profile_Record(profile, places[i]), name))
+        if (Text_Match(Profile_Record(profile, places[i])->name, name, least) != MatchNone)
             return places[i];
     return 0;
 }
 
-static bool Section_IsScanned(const Profile *profile, uint32_t section)
+static uint32_t Sections_Scan(const Profile *profile, const char *name, Match least)
 {
-    return section != 0 && Profile_Section(profile, section)->count <= ScannedItems;
+    const Section *end = profile->sections.items + profile->sections.count;
+    for (const Section *section = profile->sections.items; section != end; ++section)
+        if (Text_Match(Profile_Record(profile, section->record)->name, name, least) != MatchNone)
+            return section->record;
+    return 0;
 }
 
-static void Section_AppendItem(Profile *profile, Section *section, const Record &item)
+static uint32_t Names_Scan(const Profile *profile, uint32_t section, const char *name, Match least)
 {
-    profile->places.items[section->firstPlace + section->count++] = Profile_NewRecord(profile, item);
+    return section == 0 ? Sections_Scan(profile, name, least)
+                        : Items_Scan(profile, Profile_Section(profile, section), name, least);
 }
 
-static void Section_EnterItems(Profile *profile, const Section *section)
+static uint32_t Section_AppendItem(Profile *profile, Section *section, const Record &item)
 {
+    const uint32_t record = Profile_NewRecord(profile, item);
+    profile->places.items[section->firstPlace + section->count++] = record;
+    return record;
+}
+
+static void Item_Replace(Record *item, const Record &by)
+{
+    item->value = by.value;
+    item->line = by.line;
+}
+
+static bool Section_EnterItems(Profile *profile, Section *section)
+{
+    if (!Profile_ReserveIndex(profile, section->count))
+        return false;
     for (uint32_t i = 0; i < section->count; ++i) {
         const uint32_t record = profile->places.items[section->firstPlace + i];
         const Record *item = Profile_Record(profile, record);
@@ -267,6 +296,17 @@ static void Section_EnterItems(Profile *profile, const Section *section)
         if (spot.exact == 0)
             Profile_Enter(profile, spot, record);
     }
+    section->isIndexed = true;
+    return true;
+}
+
+// Without memory for the index, many items are looked through too.
+static bool Names_AreScanned(Profile *profile, uint32_t number)
+{
+    if (number == 0)
+        return profile->sections.count <= ScannedItems;
+    Section *section = Profile_Section(profile, number);
+    return !section->isIndexed && (section->count <= ScannedItems || !Section_EnterItems(profile, section));
 }
 
 Block *Block_New(size_t capacity)
@@ -331,23 +371,20 @@ bool Profile_ReservePut(Profile *profile)
            Array_Reserve(&profile->sections, 1) && Array_Reserve(&profile->places, 1);
 }
 
-uint32_t Profile_FindExactly(const Profile *profile, uint32_t section, const char *name)
+uint32_t Profile_FindExactly(Profile *profile, uint32_t section, const char *name)
 {
-    const Name key = {name, strlen(name), section};
-    if (Section_IsScanned(profile, section))
-        return Section_Scan(profile, Profile_Section(profile, section), key, Record_Is);
-    return Profile_Seek(profile, key).exact;
+    if (Names_AreScanned(profile, section))
+        return Names_Scan(profile, section, name, MatchExact);
+    return Profile_Seek(profile, {name, strlen(name), section}).exact;
 }
 
-uint32_t Profile_Find(const Profile *profile, uint32_t section, const char *name)
+uint32_t Profile_Find(Profile *profile, uint32_t section, const char *name)
 {
-    const Name key = {name, strlen(name), section};
-    if (Section_IsScanned(profile, section)) {
-        const Section *items = Profile_Section(profile, section);
-        const uint32_t exact = Section_Scan(profile, items, key, Record_Is);
-        return exact != 0 ? exact : Section_Scan(profile, items, key, Record_IsButForCase);
+    if (Names_AreScanned(profile, section)) {
+        const uint32_t exact = Names_Scan(profile, section, name, MatchExact);
+        return exact != 0 ? exact : Names_Scan(profile, section, name, MatchButForCase);
     }
-    const Spot spot = Profile_Seek(profile, key);
+    const Spot spot = Profile_Seek(profile, {name, strlen(name), section});
     return spot.exact != 0 ? spot.exact : spot.first;
 }
 
@@ -362,9 +399,41 @@ uint32_t Profile_OpenSection(Profile *profile, char *name, size_t length, int32_
 
     const auto number = static_cast<uint32_t>(profile->sections.count + 1);
     const uint32_t record = Profile_NewRecord(profile, {name, nullptr, number, line});
-    profile->sections.items[profile->sections.count++] = {profile->places.count, record, 0, 0};
+    profile->sections.items[profile->sections.count++] = {profile->places.count, record, 0, 0, false};
     Profile_Enter(profile, spot, record);
     return number;
+}
+
+static bool Section_AddToIndexed(Profile *profile, Section *section, const Record &item, const Name &name)
+{
+    if (!Profile_ReserveIndex(profile, 1))
+        return false;
+    const Spot spot = Profile_Seek(profile, name);
+    if (spot.exact != 0 && !profile->keepsDuplicates) {
+        Item_Replace(Profile_Record(profile, spot.exact), item);
+        return true;
+    }
+    const uint32_t record = Section_AppendItem(profile, section, item);
+    if (spot.exact == 0)
+        Profile_Enter(profile, spot, record);
+    return true;
+}
+
+// Where duplicates are kept, nothing has to be looked for.
+static bool Section_AddToScanned(Profile *profile, Section *section, const Record &item, const Name &name)
+{
+    if (profile->keepsDuplicates) {
+        Section_AppendItem(profile, section, item);
+        return true;
+    }
+    if (section->count >= ScannedItems)
+        return Section_EnterItems(profile, section) && Section_AddToIndexed(profile, section, item, name);
+    const uint32_t exact = Items_Scan(profile, section, item.name, MatchExact);
+    if (exact != 0)
+        Item_Replace(Profile_Record(profile, exact), item);
+    else
+        Section_AppendItem(profile, section, item);
+    return true;
 }
 
 bool Profile_AddItem(Profile *profile, const Record &item, size_t nameLength)
@@ -372,25 +441,9 @@ bool Profile_AddItem(Profile *profile, const Record &item, size_t nameLength)
     Section *section = Profile_Section(profile, item.section);
     if (!Profile_ReserveRecords(profile, 1) || !Section_ReservePlace(profile, section))
         return false;
-    if (section->count >= ScannedItems && !Profile_ReserveIndex(profile, ScannedItems + 1))
-        return false;
-
     const Name name = {item.name, nameLength, item.section};
-    const bool isScanned = section->count <= ScannedItems;
-    const Spot spot = isScanned ? Spot{Section_Scan(profile, section, name, Record_Is), 0, false, nullptr, 0}
-                                : Profile_Seek(profile, name);
-    if (spot.exact != 0 && !profile->keepsDuplicates) {
-        Record *first = Profile_Record(profile, spot.exact);
-        first->value = item.value;
-        first->line = item.line;
-        return true;
-    }
-    Section_AppendItem(profile, section, item);
-    if (!isScanned && spot.exact == 0)
-        Profile_Enter(profile, spot, static_cast<uint32_t>(profile->records.count));
-    if (isScanned && section->count > ScannedItems)
-        Section_EnterItems(profile, section);
-    return true;
+    return section->isIndexed ? Section_AddToIndexed(profile, section, item, name)
+                              : Section_AddToScanned(profile, section, item, name);
 }
 
 char *Profile_CopyText(Profile *profile, const char *text)

@@ -25,10 +25,11 @@ struct Section {
     uint32_t record;
     uint32_t count;
     uint32_t capacity;
+    bool isIndexed; // what names its items have is in the index
 };
 
 // An open hash table from names to records: the sections, and the items of every section that has too
-// many to look through. The upper bits of a hash are its slot, so that a table which grows is walked
+// many to look through; where duplicates are kept, from the first look-up by name on. The upper bits of a hash are its slot, so that a table which grows is walked
 // and filled in order.
 struct Slot {
     uint32_t hash;
@@ -125,8 +126,8 @@ bool Profile_ReservePut(Profile *profile);
 
 // The record of a section (`section` 0) or of an item in a section, or 0: the first of exactly this
 // name; and that one or else the first whose name differs by ASCII case alone.
-uint32_t Profile_FindExactly(const Profile *profile, uint32_t section, const char *name);
-uint32_t Profile_Find(const Profile *profile, uint32_t section, const char *name);
+uint32_t Profile_FindExactly(Profile *profile, uint32_t section, const char *name);
+uint32_t Profile_Find(Profile *profile, uint32_t section, const char *name);
 
 // The number of the section with exactly this name, which is added if it is new, or 0 without memory.
 // The name is kept, not copied.
