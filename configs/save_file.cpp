@@ -8,14 +8,13 @@
 #include "values/text.h"
 #include "values/vreg_table.h"
 
-#include <cstdio>
 #include <cstring>
 
 constexpr char InformationSection[] = "Information";
 constexpr char DataSection[] = "Data";
 
-// "0x" and eight digits, with the terminator, in bytes.
-constexpr size_t NumberTextSize = 11;
+// The digits of the numbers that stand for registers and for what they hold.
+constexpr int32_t WordDigits = 8;
 
 // The longest element of a list text with its separator, in bytes.
 constexpr size_t ElementTextSize = sizeof "0xFFFFFFFF, " - 1;
@@ -30,9 +29,14 @@ static char *ComposeList(const List *list)
     if (text == nullptr)
         return nullptr;
     char *end = text;
-    for (size_t n = 0; n < count; ++n)
-        end += snprintf(end, ElementTextSize + 1, n == 0 ? "0x%X" : ", 0x%X", list->items[n]);
     *end = '\0';
+    for (size_t n = 0; n < count; ++n) {
+        if (n > 0) {
+            *end++ = ',';
+            *end++ = ' ';
+        }
+        end = Number_Compose(end, list->items[n], 1);
+    }
     return text;
 }
 
@@ -50,7 +54,7 @@ static int32_t PutList(Profile *file, const char *item, const List *list)
 static int32_t PutVReg(Profile *file, const VReg *slot)
 {
     char item[NumberTextSize];
-    snprintf(item, sizeof item, "0x%08X", slot->id);
+    Number_Compose(item, slot->id, WordDigits);
     if (VReg_HasPayload(slot->id) && slot->value == 0)
         return IniPutString(file, DataSection, item, "");
     if ((slot->id & VRegKindMask) == VRegListNibble)
@@ -59,7 +63,7 @@ static int32_t PutVReg(Profile *file, const VReg *slot)
         return IniPutString(file, DataSection, item, Word_AsString(slot->value));
 
     char number[NumberTextSize];
-    snprintf(number, sizeof number, "0x%08X", static_cast<uint32_t>(slot->value));
+    Number_Compose(number, static_cast<uint32_t>(slot->value), WordDigits);
     return IniPutString(file, DataSection, item, number);
 }
 

@@ -1,5 +1,7 @@
 #include "values/text.h"
 
+#include <array>
+#include <bit>
 #include <cstring>
 
 static bool IsSpace(char character)
@@ -79,13 +81,21 @@ char *Text_NextPiece(char **position, const char *separators)
     return piece;
 }
 
+constexpr uint8_t NoDigit = 16;
+
 // The value of a digit in any base up to 16; 16 for a character that is none.
 static uint32_t DigitValue(char character)
 {
-    if (character >= '0' && character <= '9')
-        return static_cast<uint32_t>(character - '0');
-    const char letter = LowerCase(character);
-    return letter >= 'a' && letter <= 'f' ? static_cast<uint32_t>(letter - 'a') + 10 : 16;
+    static constexpr auto values = [] {
+        std::array<uint8_t, 256> table;
+        table.fill(NoDigit);
+        for (uint8_t digit = 0; digit < 10; ++digit)
+            table['0' + digit] = digit;
+        for (uint8_t digit = 10; digit < 16; ++digit)
+            table['a' + digit - 10] = table['A' + digit - 10] = digit;
+        return table;
+    }();
+    return values[static_cast<unsigned char>(character)];
 }
 
 // Skips a prefix that the base allows and gives the base that it leads to.
@@ -111,12 +121,23 @@ StatusCode Number_Parse(const char *text, int32_t base, uint32_t *value)
     const uint32_t radix = TakeBase(&text, base);
     const char *digits = text;
     uint64_t number = 0;
-    for (; DigitValue(*text) < radix; ++text) {
-        number = number * radix + DigitValue(*text);
-        if (number > UINT32_MAX)
-            number = UINT32_MAX;
+    bool isTooLarge = false;
+    for (uint32_t digit; (digit = DigitValue(*text)) < radix; ++text) {
+        number = number * radix + digit;
+        isTooLarge |= number > UINT32_MAX;
     }
-    const auto word = static_cast<uint32_t>(number);
+    const uint32_t word = isTooLarge ? UINT32_MAX : static_cast<uint32_t>(number);
     *value = negative ? 0 - word : word;
     return text == digits ? -1 : 0;
+}
+
+char *Number_Compose(char *text, uint32_t value, int32_t digits)
+{
+    const int32_t needed = (std::bit_width(value) + 3) / 4;
+    *text++ = '0';
+    *text++ = 'x';
+    for (int32_t left = needed > digits ? needed : digits; left > 0; --left)
+        *text++ = "0123456789ABCDEF"[value >> 4 * (left - 1) & 0xF];
+    *text = '\0';
+    return text;
 }

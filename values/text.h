@@ -6,6 +6,8 @@
 
 #include "velk32.h"
 
+#include <cstddef>
+
 // The buffers that definition texts are fetched into: bytes, terminator included. A longer text is not
 // delivered.
 constexpr int32_t DefinitionTextSize = 1024;
@@ -33,5 +35,12 @@ char *Text_NextPiece(char **position, const char *separators);
 // 8. What stands behind the digits is ignored, a number too large is 0xFFFFFFFF, a minus sign gives the
 // two's complement. Gives 0, or -1 with `value` 0: no digit.
 StatusCode Number_Parse(const char *text, int32_t base, uint32_t *value);
+
+// The longest that Number_Compose writes, with its terminator, in bytes.
+constexpr size_t NumberTextSize = sizeof "0xFFFFFFFF";
+
+// Writes a number in base 16 behind "0x", in upper-case letters and with leading zeros up to `digits` digits,
+// and a terminator. Gives the place of that.
+char *Number_Compose(char *text, uint32_t value, int32_t digits);
 
 #endif
