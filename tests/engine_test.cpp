@@ -57,7 +57,10 @@ TEST(Engine, NeedsAReadableCatalogue)
     Desk desk;
     for (const char *catalogue : {"[C]\nno item\n", "x=1\n"})
         EXPECT_EQ(desk.Start(catalogue), -202);
+    auto *const untouched = reinterpret_cast<ConfigEngine *>(&desk);
+    desk.engine = untouched;
     EXPECT_EQ(VelkInitializeConfigEngine(desk.directory.Path("none").c_str(), &desk.engine), -202);
+    EXPECT_EQ(std::exchange(desk.engine, nullptr), untouched);
 }
 
 TEST(Engine, TranslatesNumbers)
