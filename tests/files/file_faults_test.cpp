@@ -50,7 +50,8 @@ struct Bench : Desk {
                   0);
         directory.Write("file", directory.Read("file") + padding);
         std::filesystem::create_symlink("file", directory.Path("link"));
-        for (const char *debris : {dead, ".velk-save-long0000001", ".velk-save-Settings01"})
+        for (const char *debris :
+             {dead, ".velk-save-long0000001", ".velk-save-Settings01", "calibrationofboard123"})
             directory.Write(debris, "half a sa");
         std::filesystem::create_symlink("file", directory.Path(".velk-save-linked0001"));
         std::filesystem::create_directory(directory.Path(".velk-save-folder0001"));
@@ -173,8 +174,9 @@ std::vector<FileCall> Calls(const Operation &operation, State *after)
     *after = bench.Now();
     // Of what looks like debris only that goes, and only by a save.
     EXPECT_EQ(after->contains(dead), !Fits("save @(new|over)", operation.name));
-    for (const char *other : {"long0000001", "Settings01", "linked0001", "folder0001"})
-        EXPECT_TRUE(after->contains(".velk-save-" + std::string(other)));
+    for (const char *other : {".velk-save-long0000001", ".velk-save-Settings01", ".velk-save-linked0001",
+                              ".velk-save-folder0001", "calibrationofboard123"})
+        EXPECT_TRUE(after->contains(other)) << other;
     std::vector<FileCall> calls(Shim()->calls, Shim()->calls + Shim()->count);
     std::cout << "velk-calls " << operation.name << ":";
     for (const FileCall &call : calls)
