@@ -1,6 +1,7 @@
 // What saving to a file leaves in its directory.
 #include "platform/file.h"
 
+#include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
 #include <memory>
@@ -19,26 +20,35 @@ FileStatus Replace(const std::string &path, const std::string &bytes)
     return File_Replace(path.c_str(), bytes.data(), bytes.size());
 }
 
-mode_t Mode(const std::string &path)
+struct stat Look(const std::string &path)
 {
     struct stat found = {};
     EXPECT_EQ(lstat(path.c_str(), &found), 0);
-    return found.st_mode;
+    return found;
+}
+
+mode_t Mode(const std::string &path)
+{
+    return Look(path).st_mode;
 }
 
 } // namespace
 
-TEST(File, ReplaceKeepsPermissionBitsAndLeavesNothingElse)
+TEST(File, ReplaceKeepsOwnerAndPermissionBitsAndLeavesNothingElse)
 {
     for (const mode_t mode : {0600U, 0640U, 0666U, 0755U, 07755U}) {
         SCOPED_TRACE(mode);
         const Directory directory;
         directory.Write("file", "old and longer");
         const std::string path = directory.Path("file");
+        // Another user's, where this process may give it away.
+        EXPECT_TRUE(chown(path.c_str(), 1, 1) == 0 || errno == EPERM || errno == EINVAL);
         ASSERT_EQ(chmod(path.c_str(), mode), 0);
+        const auto old = Look(path);
         EXPECT_EQ(Replace(path, "new"), FileDone);
         EXPECT_EQ(directory.Read("file"), "new");
         EXPECT_EQ(Mode(path), S_IFREG | (mode & 0777U));
+        EXPECT_EQ(std::pair(Look(path).st_uid, Look(path).st_gid), std::pair(old.st_uid, old.st_gid));
         EXPECT_EQ(Names(directory), "file ");
     }
 
