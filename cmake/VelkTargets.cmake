@@ -5,7 +5,7 @@ find_package(Threads REQUIRED)
 # What holds for every target: language level, warnings, sanitizers, coverage, hardening.
 add_library(velk_build INTERFACE)
 target_compile_features(velk_build INTERFACE c_std_99 cxx_std_20)
-target_compile_options(velk_build INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+target_compile_options(velk_build INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wformat=2)
 if(VELK_SANITIZERS)
     target_compile_options(velk_build INTERFACE
         -fsanitize=${VELK_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
