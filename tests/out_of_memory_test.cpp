@@ -22,7 +22,8 @@ const std::string imageSettings =
     "Keys=keys.ini\nOptions=more.ini\nImage=board.img\nStride=16\nRegisters=0x10,0xB000001,0xF000001,0x10\n"
     "0x10=0 u8\n0xB000001=1 text 4\n0xF000001=5 list 3 u16 big\n0x10:2=13 u8\n";
 const std::string imageClass = "[C]\nAccessor=" VELK_TEST_MODULE_DIR "/velkimage\n" + imageSettings;
-const std::string faultyClass = "[C]\nAccessor=" VELK_TEST_MODULE_DIR "/velkfaulty\nFaults=Read * kinds\n"
+const std::string faultyClass = "[C]\nAccessor=" VELK_TEST_MODULE_DIR
+                                "/velkfaulty\nFaults=Read * kinds,SetInternalVRegs * kinds\n"
                                 "Wraps=" VELK_TEST_MODULE_DIR "/velkimage\n" +
                                 imageSettings;
 
@@ -249,6 +250,7 @@ const Operation<Bed> operations[] = {
          bed.directory.Write("file", "[Older]\n");
          bed.answers.loadFromFile = 0;
      }},
+    {"VelkLoadFromFile", "-1 -4 -1", "", [](Bed &bed) { return bed.LoadFile(); }, OpenFaulty},
     {"VelkSaveToFile", "-1 -6", "", [](Bed &bed) { return bed.SaveFile(); }},
     {"VelkSetKey", "-1", "", [](Bed &bed) { return VelkSetKey(bed.config, "T", Word("new")); }},
     {"VelkSetKey", "-1", "", [](Bed &bed) { return VelkSetKey(bed.config, "L", Word(bed.list)); },
@@ -291,7 +293,7 @@ const std::pair<const char *, Operation<Bed>> canaries[] = {
 TEST(OutOfMemory, LeavesWhatWasBehindEveryExport)
 {
     Operations_Try(operations, NamesIn("platform/libvelk32.map", "", ';'));
-    OutOfMemory_Report(1050);
+    OutOfMemory_Report(1106);
 }
 
 TEST(OutOfMemory, CanariesAreReported)

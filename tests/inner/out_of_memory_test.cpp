@@ -83,6 +83,21 @@ StatusCode CallTheOthers(Bed &bed)
            IniNthItemLine(profile, "t", 1);
 }
 
+// Likewise.
+StatusCode UseFile(Bed &bed)
+{
+    const std::string path = bed.directory.Path("file");
+    File file = {}, again = {};
+    char byte = 0;
+    const StatusCode status = File_OpenToChange(path.c_str(), &file) + File_OpenToRead(path.c_str(), &again);
+    const bool isGood = File_Size(file) > 0 && File_ReadNext(again, &byte, 1) == 1 &&
+                        File_ReadAt(file, 0, &byte, 1) == 1 &&
+                        File_WriteAt(file, 0, &byte, 1) + File_Flush(file) == FileDone;
+    File_Close(file);
+    File_Close(again);
+    return isGood ? status : -99;
+}
+
 int putsAhead;
 
 const Operation<Bed> operations[] = {
@@ -96,6 +111,9 @@ const Operation<Bed> operations[] = {
      "IniNthItemName IniNthItemPointerToString IniGetPointerToString IniGetStringIntoBuffer IniSectionExists "
      "IniItemExists IniFailedLine IniSectionLine IniNthItemLine",
      "", "", CallTheOthers, MakeAndRead},
+    {"File_OpenToRead File_OpenToChange File_Close File_Size File_ReadNext File_ReadAt File_WriteAt "
+     "File_Flush",
+     "", "", UseFile, MakeFile},
     {"File_Replace", "-3", "",
      [](Bed &bed) -> StatusCode { return File_Replace(bed.directory.Path("link").c_str(), "new", 3); },
      MakeFile},
@@ -117,9 +135,9 @@ const Operation<Bed> operations[] = {
 TEST(OutOfMemory, LeavesWhatWasInProfilesAndFiles)
 {
     std::set<std::string> declared = NamesIn("platform/profile.h", "Ini", '(');
-    declared.insert({"File_Replace", "File_PathIn", "File_AbsolutePath"});
+    declared.merge(NamesIn("platform/file.h", "File_", '('));
     Operations_Try(operations, declared);
     for (putsAhead = 1; putsAhead < 100 && !HasFailure(); ++putsAhead)
         Operation_Try(std::end(operations)[-1]);
-    OutOfMemory_Report(500);
+    OutOfMemory_Report(517);
 }
