@@ -89,6 +89,8 @@ Bounds::Bounds(size_t size) : size(static_cast<int64_t>(size)), start(Time_Now()
 
 Bounds::~Bounds()
 {
+    const bool isWatched = __sanitizer_install_malloc_and_free_hooks != nullptr;
+    Check(!isWatched || mostBytes > 0 || size < 32, "memory is watched");
     Check(mostBytes <= BytesPerInput + BytesPerByte * size, "memory stays in proportion to the input");
     Check(Time_Now() - start <= TimePerInput + TimePerByte * size, "time stays in proportion to the input");
 }
