@@ -28,14 +28,15 @@ static const char *TakeName(Play *play)
 
 static VelkWord TakeValue(Play *play, int32_t kind)
 {
-    static constexpr const char *texts[] = {"", nullptr, "text", "k"};
     static uint32_t items[] = {1, 2, 3, 0xFFFFFFFF};
     static constexpr List lists[] = {{0, nullptr}, {2, items}, {4, items}};
     const uint32_t form = Bytes_Take(&play->bytes) % 4;
     if (kind == ValueKindNumber)
         return Bytes_TakeNumber(&play->bytes);
-    if (kind == ValueKindString)
+    if (kind == ValueKindString) {
+        static constexpr const char *texts[] = {"", nullptr, "text", "k"};
         return Word_Of(texts[form]);
+    }
     return form == 3 ? 0 : Word_Of(&lists[form]);
 }
 
