@@ -1,6 +1,7 @@
 // Classes: loading their definitions.
+#include <fstream>
+
 #include <malloc.h>
-#include <sys/resource.h>
 
 #include <benchmark/benchmark.h>
 
@@ -49,25 +50,32 @@ void LoadKeysAndOptions(benchmark::State &state)
     LoadClass(state, KeysAndOptions(keyCount), keyCount + keyCount / 2);
 }
 
-int64_t PeakBytes()
+// A line of what the kernel knows of this process, in bytes.
+int64_t StatusBytes(const std::string &name)
 {
-    rusage usage;
-    getrusage(RUSAGE_SELF, &usage);
-    return int64_t{usage.ru_maxrss} * 1024;
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;)
+        if (word == name + ":") {
+            int64_t kilobytes = 0;
+            status >> kilobytes;
+            return kilobytes * 1024;
+        }
+    return 0;
 }
 
-// The memory of a load at its peak, and of the class that stays; both only mean something in a process that
-// has done nothing else.
+// What a load takes at its peak, and what of it the class keeps.
 void ClassMemory(benchmark::State &state)
 {
     const auto keyCount = static_cast<uint32_t>(state.range(0));
     const Definitions definitions = KeysAndOptions(keyCount);
     for (auto round : state) {
-        const int64_t peakBefore = PeakBytes();
+        malloc_trim(0);
+        std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew
+        const int64_t residentBefore = StatusBytes("VmRSS");
         const size_t heldBefore = mallinfo2().uordblks;
         ConfigEngine *engine;
         Config *config = definitions.Open(&engine);
-        state.counters["peak"] = static_cast<double>(PeakBytes() - peakBefore);
+        state.counters["peak"] = static_cast<double>(StatusBytes("VmHWM") - residentBefore);
         state.counters["held"] = static_cast<double>(mallinfo2().uordblks - heldBefore);
         VelkDiscardConfig(config);
         VelkCloseConfigEngine(engine);

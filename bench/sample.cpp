@@ -7,10 +7,12 @@
 
 #include <unistd.h>
 
-static std::string Formatted(const char *format, uint32_t number)
+// In base 16, as files have it.
+static std::string Hex(uint32_t number)
 {
-    char text[64];
-    return {text, static_cast<size_t>(snprintf(text, sizeof text, format, number))};
+    char text[sizeof "0xFFFFFFFF"];
+    snprintf(text, sizeof text, "0x%08X", number);
+    return text;
 }
 
 static size_t ItemsOfSection(Shape shape, uint32_t section)
@@ -35,8 +37,8 @@ ProfileText::ProfileText(Shape shape, size_t bytes)
         const size_t items = ItemsOfSection(shape, section);
         for (size_t n = 0; n < items && (n == 0 || items != SIZE_MAX || text.size() < bytes); ++n) {
             const std::string item =
-                n == 0 ? Formatted("0x%08X (0xFF)", RegisterId(section)) : Formatted("Note%u", number);
-            text += item + (n == 0 ? " = Value\n" : Formatted(" = the %u. of them\n", number));
+                n == 0 ? Hex(RegisterId(section)) + " (0xFF)" : "Note" + std::to_string(number);
+            text += item + (n == 0 ? " = Value\n" : " = the " + std::to_string(number) + ". of them\n");
             places.push_back({name, item});
             ++number;
         }
@@ -111,8 +113,7 @@ std::string Registers(uint32_t count, uint32_t textEvery)
     std::string lines;
     for (uint32_t n = 0; n < count; ++n) {
         const bool isText = textEvery != 0 && n % textEvery == 0;
-        lines += Formatted("0x%08X", RegisterId(n, isText)) + " = " +
-                 (isText ? "sixteen letters." : Formatted("0x%08X", n)) + "\n";
+        lines += Hex(RegisterId(n, isText)) + " = " + (isText ? "sixteen letters." : Hex(n)) + "\n";
     }
     return lines;
 }
@@ -136,7 +137,7 @@ std::string OptionName(uint32_t n)
 
 std::string KeySection(uint32_t n)
 {
-    return "[" + KeyName(n) + "]\n" + Formatted("0x%08X (0xFF) = Value\n", RegisterId(n));
+    return "[" + KeyName(n) + "]\n" + Hex(RegisterId(n)) + " (0xFF) = Value\n";
 }
 
 std::string OptionSection(uint32_t n, const std::string &rules)

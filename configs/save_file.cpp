@@ -128,19 +128,13 @@ static StatusCode ParseValue(char *text, VReg *slot, uint32_t *numbersLeft)
 }
 
 // Reads an item into the next free slot. An internal register leaves the slot free.
-static StatusCode ReadItem(Profile *file, int32_t n, VRegTable *table, uint32_t *numbersLeft)
+static StatusCode ReadItem(char *name, char *text, VRegTable *table, uint32_t *numbersLeft)
 {
     VReg *slot = &table->regs[table->count];
-    char *name;
-    if (IniNthItemName(file, DataSection, n, &name) == 0 || Number_Parse(name, 16, &slot->id) < 0 ||
-        slot->id == 0)
+    if (Number_Parse(name, 16, &slot->id) < 0 || slot->id == 0)
         return StatusBadFile;
     if (VReg_IsInternal(slot->id))
         return 0;
-
-    char *text;
-    if (IniNthItemPointerToString(file, DataSection, n, &text) != 1)
-        return StatusBadFile;
     const StatusCode status = ParseValue(text, slot, numbersLeft);
     if (status < 0)
         return status;
@@ -149,22 +143,31 @@ static StatusCode ReadItem(Profile *file, int32_t n, VRegTable *table, uint32_t 
     return 0;
 }
 
+static StatusCode ReadItems(Profile *file, IniItems items, VRegTable *table)
+{
+    uint32_t numbersLeft = NumberListLimit;
+    char *name;
+    char *text;
+    while (IniTakeItem(file, &items, &name, &text) == 1) {
+        const StatusCode status = ReadItem(name, text, table, &numbersLeft);
+        if (status < 0)
+            return status;
+    }
+    return 0;
+}
+
 static StatusCode ReadTable(Profile *file, VRegTable **out)
 {
-    const int32_t itemCount = IniNumberOfItems(file, DataSection);
-    if (itemCount == 0)
+    const IniItems items = IniItemsOf(file, DataSection);
+    if (items.count == 0)
         return StatusBadFile;
-    VRegTable *table = AllocateVRegTable(static_cast<uint32_t>(itemCount));
+    VRegTable *table = AllocateVRegTable(items.count);
     if (table == nullptr)
         return StatusOutOfMemory;
-
-    uint32_t numbersLeft = NumberListLimit;
-    for (int32_t n = 1; n <= itemCount; ++n) {
-        const StatusCode status = ReadItem(file, n, table, &numbersLeft);
-        if (status < 0) {
-            FreeVRegTable(table);
-            return status;
-        }
+    const StatusCode status = ReadItems(file, items, table);
+    if (status < 0) {
+        FreeVRegTable(table);
+        return status;
     }
     *out = table;
     return 0;

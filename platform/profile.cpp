@@ -94,6 +94,24 @@ int32_t IniNthItemPointerToString(Profile *profile, const char *section, int32_t
     return 1;
 }
 
+IniItems IniItemsOf(Profile *profile, const char *section)
+{
+    const Record *found = Section_Find(profile, section);
+    if (found == nullptr)
+        return {0, 0, 0};
+    return {found->section, Profile_Section(profile, found->section)->count, 0};
+}
+
+int32_t IniTakeItem(Profile *profile, IniItems *items, char **name, char **value)
+{
+    if (items->taken == items->count)
+        return 0;
+    const Record *item = Section_Item(profile, Profile_Section(profile, items->section), ++items->taken);
+    *name = item->name;
+    *value = item->value;
+    return 1;
+}
+
 int32_t IniGetPointerToString(Profile *profile, const char *section, const char *item, char **value)
 {
     const Record *found = Item_Find(profile, section, item);

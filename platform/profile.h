@@ -50,6 +50,19 @@ int32_t IniNthItemName(Profile *profile, const char *section, int32_t n, char **
 // 1 and the value, or 0.
 int32_t IniNthItemPointerToString(Profile *profile, const char *section, int32_t n, char **value);
 
+// How far the items of a section have been taken.
+struct IniItems {
+    uint32_t section; // its number
+    uint32_t count;
+    uint32_t taken;
+};
+
+// The items of a section, none taken; of an absent section, no items.
+IniItems IniItemsOf(Profile *profile, const char *section);
+
+// 1 and the next item, or 0: all are taken.
+int32_t IniTakeItem(Profile *profile, IniItems *items, char **name, char **value);
+
 // 1 and the value, or 0.
 int32_t IniGetPointerToString(Profile *profile, const char *section, const char *item, char **value);
 

@@ -102,7 +102,7 @@ static bool Text_IsButForCase(const char *text, const char *other)
 enum Match { MatchNone, MatchButForCase, MatchExact };
 
 // Nearly all names are asked for as they were written, which is told faster.
-static Match Text_Match(const char *text, const char *name, Match least)
+static inline Match Text_Match(const char *text, const char *name, Match least)
 {
     if (*text == *name && strcmp(text, name) == 0)
         return MatchExact;

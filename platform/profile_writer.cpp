@@ -95,15 +95,12 @@ static char *Profile_Write(char *to, const Profile *profile)
     return to;
 }
 
-// At most: every text quoted and every byte of it escaped, and the signs and line ends around them.
+// At most: every byte of text escaped, and for each record quotes, the signs and the line ends around it.
 static size_t Profile_WrittenSize(const Profile *profile)
 {
-    size_t size = 0;
-    for (size_t n = 0; n < profile->records.count; ++n) {
-        const Record &record = profile->records.items[n];
-        const size_t value = record.value == nullptr ? 0 : strlen(record.value);
-        size += 2 * (strlen(record.name) + value) + 8;
-    }
+    size_t size = 8 * profile->records.count;
+    for (const Block *block = profile->blocks; block != nullptr; block = block->next)
+        size += 2 * block->used;
     return size;
 }
 

@@ -39,12 +39,12 @@ TEST(Registers, AreFoundByInstance)
     // Wherever the rounds of the search begin and end.
     table = AllocateVRegTable(30);
     for (uint32_t n = 0; n < table->capacity; ++n)
-        table->regs[n].id = n % 3;
+        table->regs[n].id = n % 15;
     for (int32_t n = 0; n < 30; ++n) {
         table->count = n;
-        EXPECT_EQ(LookupVReg(table, static_cast<uint32_t>(n % 3), n / 3 + 1), nullptr) << n;
+        EXPECT_EQ(LookupVReg(table, static_cast<uint32_t>(n % 15), n / 15 + 1), nullptr) << n;
         table->count = n + 1;
-        EXPECT_EQ(LookupVReg(table, static_cast<uint32_t>(n % 3), n / 3 + 1), table->regs + n) << n;
+        EXPECT_EQ(LookupVReg(table, static_cast<uint32_t>(n % 15), n / 15 + 1), table->regs + n) << n;
     }
     FreeVRegTable(table);
 }

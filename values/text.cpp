@@ -121,12 +121,12 @@ StatusCode Number_Parse(const char *text, int32_t base, uint32_t *value)
     const uint32_t radix = TakeBase(&text, base);
     const char *digits = text;
     uint64_t number = 0;
-    bool isTooLarge = false;
     for (uint32_t digit; (digit = DigitValue(*text)) < radix; ++text) {
         number = number * radix + digit;
-        isTooLarge |= number > UINT32_MAX;
+        if (number > UINT32_MAX) [[unlikely]]
+            number = UINT32_MAX;
     }
-    const uint32_t word = isTooLarge ? UINT32_MAX : static_cast<uint32_t>(number);
+    const auto word = static_cast<uint32_t>(number);
     *value = negative ? 0 - word : word;
     return text == digits ? -1 : 0;
 }
@@ -134,10 +134,10 @@ StatusCode Number_Parse(const char *text, int32_t base, uint32_t *value)
 char *Number_Compose(char *text, uint32_t value, int32_t digits)
 {
     const int32_t needed = (std::bit_width(value) + 3) / 4;
-    *text++ = '0';
-    *text++ = 'x';
-    for (int32_t left = needed > digits ? needed : digits; left > 0; --left)
-        *text++ = "0123456789ABCDEF"[value >> 4 * (left - 1) & 0xF];
-    *text = '\0';
-    return text;
+    memcpy(text, "0x", 2);
+    char *end = text + 2 + (needed > digits ? needed : digits);
+    *end = '\0';
+    for (char *digit = end; digit != text + 2; value >>= 4)
+        *--digit = "0123456789ABCDEF"[value & 0xF];
+    return end;
 }

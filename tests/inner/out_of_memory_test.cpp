@@ -30,7 +30,8 @@ struct Bed : Desk {
 void MakeFile(Bed &bed)
 {
     std::filesystem::create_symlink("file", bed.directory.Path("link"));
-    bed.directory.Write("file", "[s]\n" + Items(50) + "[t]\nx=" + std::string(9000, 'y') + "\n[s]\nz=1");
+    bed.directory.Write("file", "[s]\n" + Items(50) + "[t]\nx=" + std::string(9000, 'y') +
+                                    "\n[s]\nz=1");
 }
 
 void MakeAndRead(Bed &bed)
@@ -42,7 +43,7 @@ void MakeAndRead(Bed &bed)
 // A source that states no size, into a block that grows.
 StatusCode ReadPipe(Bed &bed)
 {
-    const std::string text = "[s]\n" + Items(1000);
+    const std::string text = "[s]\n" + Items(9) + "[t]\n" + Items(1000);
     int ends[2];
     EXPECT_EQ(pipe(ends), 0);
     EXPECT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
@@ -71,7 +72,8 @@ StatusCode FreePath(char *path)
 StatusCode CallTheOthers(Bed &bed)
 {
     Profile *profile = bed.profile;
-    char *text = nullptr, buffer[8];
+    char *text = nullptr, *value = nullptr, buffer[8];
+    IniItems items = IniItemsOf(profile, "s");
     IniSetDuplicateChecking(profile, 0);
     IniSortSectionList(profile);
     IniSortSection(profile, "s");
@@ -80,7 +82,7 @@ StatusCode CallTheOthers(Bed &bed)
            IniGetPointerToString(profile, "S", "Z", &text) +
            IniGetStringIntoBuffer(profile, "s", "z", buffer, 8) + IniSectionExists(profile, "t") +
            IniItemExists(profile, "t", "x") + IniFailedLine(profile) + IniSectionLine(profile, "t") +
-           IniNthItemLine(profile, "t", 1);
+           IniNthItemLine(profile, "t", 1) + IniTakeItem(profile, &items, &text, &value);
 }
 
 // Likewise.
@@ -108,7 +110,7 @@ const Operation<Bed> operations[] = {
      [](Bed &bed) { return IniWriteToFile(bed.profile, bed.directory.Path("link").c_str()); }, MakeAndRead},
     {"IniSetDuplicateChecking IniSortSectionList IniSortSection IniNthSectionName IniNumberOfItems "
      "IniNthItemName IniNthItemPointerToString IniGetPointerToString IniGetStringIntoBuffer IniSectionExists "
-     "IniItemExists IniFailedLine IniSectionLine IniNthItemLine",
+     "IniItemExists IniFailedLine IniSectionLine IniNthItemLine IniItemsOf IniTakeItem",
      "", "", CallTheOthers, MakeAndRead},
     {"File_OpenToRead File_OpenToChange File_Close File_Size File_ReadNext File_ReadAt File_WriteAt "
      "File_Flush",
@@ -138,5 +140,5 @@ TEST(OutOfMemory, LeavesWhatWasInProfilesAndFiles)
     Operations_Try(operations, declared);
     for (putsAhead = 1; putsAhead < 100 && !HasFailure(); ++putsAhead)
         Operation_Try(std::end(operations)[-1]);
-    OutOfMemory_Report(517);
+    OutOfMemory_Report(519);
 }

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <optional>
 
 using namespace std::string_literals;
 
@@ -141,6 +142,26 @@ TEST(Profile, KeepsDuplicatesOnlyUncheckedWithTheFirstFound)
             const std::string text = file.Text();
             EXPECT_EQ(text.substr(text.rfind(' ')), checked ? " A=6;" : " a=7;");
         }
+
+    // Without memory for an index, the names are looked through.
+    for (const bool isFound : {true, false}) {
+        const Handle file;
+        IniSetDuplicateChecking(file.profile, 0);
+        constexpr int count = 100;
+        ASSERT_EQ(file.Read("[s]\na=1\n" + Items(count) + "a=2\n"), 0);
+        if (isFound) {
+            std::optional<FailAllocations> fail(std::in_place, 1, INT32_MAX);
+            EXPECT_EQ(file.Get("s", "a") + file.Get("s", "A") + file.Get("s", "b"), "11(none)");
+            EXPECT_TRUE(fail->Fired());
+            fail.reset();
+            EXPECT_EQ(file.Get("s", "a") + file.Get("s", "A") + file.Get("s", "b"), "11(none)");
+        }
+        ASSERT_EQ(file.Put("s", "a", "3") + file.Put("s", "b", "4"), 0);
+        IniSetDuplicateChecking(file.profile, 1);
+        ASSERT_EQ(file.Put("s", "a", "5") + file.Put("s", "b", "6"), 0);
+        EXPECT_EQ(IniNumberOfItems(file.profile, "s"), count + 4);
+        EXPECT_EQ(file.Get("s", "a") + file.Get("s", "b"), "56");
+    }
 }
 
 TEST(Profile, FindsTheFirstButForCaseWhenThereIsNoExactName)
