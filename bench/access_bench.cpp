@@ -1,7 +1,4 @@
 // Keys and options of a loaded configuration: reads and sets, beside what the least code would take.
-#include <algorithm>
-#include <random>
-
 #include <benchmark/benchmark.h>
 
 #include "bench/floors.h"
@@ -31,7 +28,7 @@ void ReadKey(benchmark::State &state)
     const LastSlot slot(state.range(0));
     const std::string name = KeyName(slot.last);
     const KeyDef *key = KeyTable_Find(&slot.sample.config->configClass->keys, name.c_str());
-    for (auto round : state) {
+    for ([[maybe_unused]] auto round : state) {
         VelkWord value;
         benchmark::DoNotOptimize(Key_Read(slot.sample.config, key, &value));
         benchmark::DoNotOptimize(value);
@@ -43,7 +40,7 @@ void ScanTable(benchmark::State &state)
 {
     const LastSlot slot(state.range(0));
     uint32_t id = RegisterId(slot.last);
-    for (auto round : state) {
+    for ([[maybe_unused]] auto round : state) {
         benchmark::DoNotOptimize(id);
         benchmark::DoNotOptimize(Floor_Scan(slot.sample.Table(), id, 1));
     }
@@ -61,7 +58,7 @@ struct NamedKeys {
             names.push_back(KeyName(n));
             sections += KeySection(n);
         }
-        std::shuffle(names.begin(), names.end(), std::mt19937(1));
+        Shuffle(&names);
     }
 };
 
@@ -69,7 +66,7 @@ void ReadKeysByName(benchmark::State &state)
 {
     const NamedKeys keys(state.range(0));
     const Sample sample(keys.sections, "", Registers(static_cast<uint32_t>(state.range(0))));
-    for (auto round : state)
+    for ([[maybe_unused]] auto round : state)
         for (const std::string &name : keys.names) {
             VelkWord value;
             benchmark::DoNotOptimize(VelkGetKey(sample.config, name.c_str(), &value));
@@ -82,7 +79,7 @@ void WalkAndScan(benchmark::State &state)
 {
     const NamedKeys keys(state.range(0));
     const Sample sample(keys.sections, "", Registers(static_cast<uint32_t>(state.range(0))));
-    for (auto round : state)
+    for ([[maybe_unused]] auto round : state)
         for (const std::string &name : keys.names) {
             const void *key = Floor_FindName(&sample.config->configClass->keys, name.c_str());
             benchmark::DoNotOptimize(Floor_Scan(sample.Table(), static_cast<const KeyDef *>(key)->vregId, 1));
@@ -95,7 +92,7 @@ void SetOption(benchmark::State &state)
     const LastSlot slot(state.range(0), state.range(1));
     const std::string name = OptionName(slot.last);
     uint32_t value = 0;
-    for (auto round : state)
+    for ([[maybe_unused]] auto round : state)
         Require(VelkSetOption(slot.sample.config, name.c_str(), ++value % 256) == 0, "set the option");
     state.counters["items"] = static_cast<double>(state.range(0));
 }
@@ -112,7 +109,7 @@ void SetOptionWithDependants(benchmark::State &state)
         options += OptionSection(n, "Range\n" + OptionName(first) + ":1 = 0:2:255\ndefault = 0:1:255\n");
     const Sample sample(keys, options, Registers(slots));
     uint32_t value = 0;
-    for (auto round : state)
+    for ([[maybe_unused]] auto round : state)
         Require(VelkSetOption(sample.config, OptionName(first).c_str(), ++value % 256) == 0,
                 "set the option");
     state.counters["items"] = slots;
@@ -125,7 +122,7 @@ void CopyAndScan(benchmark::State &state)
     const VRegTable *table = slot.sample.Table();
     const int64_t scans = state.range(2);
     uint32_t id = RegisterId(slot.last);
-    for (auto round : state) {
+    for ([[maybe_unused]] auto round : state) {
         VReg *slots = Floor_CopySlots(table);
         benchmark::DoNotOptimize(slots);
         for (int64_t n = 0; n < scans; ++n) {

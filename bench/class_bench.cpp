@@ -18,7 +18,7 @@ void SetSize(benchmark::State &state, const Definitions &definitions, size_t ite
 
 void LoadClass(benchmark::State &state, const Definitions &definitions, size_t items)
 {
-    for (auto round : state) {
+    for ([[maybe_unused]] auto round : state) {
         ConfigEngine *engine;
         VelkDiscardConfig(definitions.Open(&engine));
         VelkCloseConfigEngine(engine);
@@ -68,7 +68,7 @@ void ClassMemory(benchmark::State &state)
 {
     const auto keyCount = static_cast<uint32_t>(state.range(0));
     const Definitions definitions = KeysAndOptions(keyCount);
-    for (auto round : state) {
+    for ([[maybe_unused]] auto round : state) {
         malloc_trim(0);
         std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew
         const int64_t residentBefore = StatusBytes("VmRSS");

@@ -40,7 +40,7 @@ void SetDeviceFeature(benchmark::State &state)
     arv_device_set_range_check_policy(device, ARV_RANGE_CHECK_POLICY_ENABLE);
     const std::string name = OptionName(registerCount - 1);
     int64_t value = 0;
-    for (auto round : state) {
+    for ([[maybe_unused]] auto round : state) {
         GError *error = nullptr;
         arv_device_set_integer_feature_value(device, name.c_str(), ++value % 256, &error);
         Require(error == nullptr, "set the feature");
@@ -65,7 +65,7 @@ void SetField(benchmark::State &state)
     const Sample sample(keys, options, Registers(registerCount));
     const std::string name = OptionName(registerCount - 1);
     uint32_t value = 0;
-    for (auto round : state)
+    for ([[maybe_unused]] auto round : state)
         Require(VelkSetOption(sample.config, name.c_str(), ++value % 256) == 0, "set the option");
     state.counters["items"] = registerCount;
 }

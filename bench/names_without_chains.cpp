@@ -65,7 +65,8 @@ NameNode *NameTable_Insert(NameTable *table, const char *name, void *value)
     Names *names = NamesOf(table);
     if (names->nodes.size() >= names->slots.size() / 2)
         names->Grow();
-    NameNode *node = &names->nodes.emplace_back(NameNode{nullptr, nullptr, String_CopyNew(name), value});
+    names->nodes.push_back({nullptr, nullptr, String_CopyNew(name), value});
+    NameNode *node = &names->nodes.back();
     const size_t hash = HashOf(name);
     names->Seek(hash, name) = {hash, node};
     return node;

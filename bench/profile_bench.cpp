@@ -1,6 +1,4 @@
 // Profile files: reading them, and finding items in them.
-#include <random>
-
 #include <benchmark/benchmark.h>
 #include <glib.h>
 #include <ini.h>
@@ -35,7 +33,7 @@ void ProfileRead(benchmark::State &state)
     const ProfileText profile = TextOf(state);
     const Folder folder;
     const std::string file = folder.Write("profile.ini", profile.text);
-    for (auto round : state)
+    for ([[maybe_unused]] auto round : state)
         IniDispose(ReadProfile(file));
     SetSize(state, profile);
 }
@@ -51,7 +49,7 @@ void IniParse(benchmark::State &state)
     const ProfileText profile = TextOf(state);
     const Folder folder;
     const std::string file = folder.Write("profile.ini", profile.text);
-    for (auto round : state) {
+    for ([[maybe_unused]] auto round : state) {
         size_t count = 0;
         Require(ini_parse(file.c_str(), IgnoreItem, &count) == 0 && count == profile.places.size(),
                 "parse the profile file");
@@ -65,8 +63,8 @@ void ProfileFind(benchmark::State &state)
     ProfileText profile = TextOf(state);
     const Folder folder;
     Profile *handle = ReadProfile(folder.Write("profile.ini", profile.text));
-    std::shuffle(profile.places.begin(), profile.places.end(), std::mt19937(1));
-    for (auto round : state)
+    Shuffle(&profile.places);
+    for ([[maybe_unused]] auto round : state)
         for (const auto &place : profile.places) {
             char *value;
             Require(IniGetPointerToString(handle, place.section.c_str(), place.item.c_str(), &value) == 1,
@@ -85,8 +83,8 @@ template <typename Find> void FindInKeyFile(benchmark::State &state, Find find)
     Require(g_key_file_load_from_file(handle, folder.Write("profile.ini", profile.text).c_str(),
                                       G_KEY_FILE_NONE, nullptr) != 0,
             "read the profile file with GLib");
-    std::shuffle(profile.places.begin(), profile.places.end(), std::mt19937(1));
-    for (auto round : state)
+    Shuffle(&profile.places);
+    for ([[maybe_unused]] auto round : state)
         for (const auto &place : profile.places)
             Require(find(handle, place.section.c_str(), place.item.c_str()), "find an item with GLib");
     g_key_file_free(handle);

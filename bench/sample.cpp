@@ -59,7 +59,7 @@ Folder::~Folder()
 
 std::string Folder::Write(const std::string &name, const std::string &bytes) const
 {
-    const std::string file = path + "/" + name;
+    std::string file = path + "/" + name;
     std::ofstream stream(file, std::ios::binary);
     Require(stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size())).flush().good(),
             "write a file");

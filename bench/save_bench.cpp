@@ -16,7 +16,7 @@ void SaveAndLoad(benchmark::State &state)
 {
     const Sample sample("", "", Registers(registerCount));
     const std::string file = sample.definitions.folder.path + "/saved.ini";
-    for (auto round : state) {
+    for ([[maybe_unused]] auto round : state) {
         Require(VelkSaveToFile(sample.config, file.c_str(), "k") == 0, "save");
         Require(VelkLoadFromFile(sample.config, file.c_str(), "k") == 0, "load");
     }
@@ -32,7 +32,7 @@ void WriteAndRead(benchmark::State &state)
     std::ostringstream saved;
     saved << std::ifstream(file).rdbuf();
     std::string bytes = saved.str();
-    for (auto round : state) {
+    for ([[maybe_unused]] auto round : state) {
         Require(File_Replace(file.c_str(), bytes.data(), bytes.size()) == FileDone, "write");
         File handle;
         Require(File_OpenToRead(file.c_str(), &handle) == FileDone, "open");

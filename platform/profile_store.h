@@ -29,8 +29,8 @@ struct Section {
 };
 
 // An open hash table from names to records: the sections, and the items of every section that has too
-// many to look through; where duplicates are kept, from the first look-up by name on. The upper bits of a hash are its slot, so that a table which grows is walked
-// and filled in order.
+// many to look through; where duplicates are kept, from the first look-up by name on. The upper bits of
+// a hash are its slot, so that a table which grows is walked and filled in order.
 struct Slot {
     uint32_t hash;
     uint32_t record; // 0: empty

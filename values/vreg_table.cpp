@@ -168,7 +168,7 @@ void TableSnapshot_Drop(const TableSnapshot *snapshot)
 
 // The first slot of that id from `slot` on, or `end`. Eight slots a round: their compares do not wait for
 // each other, nor the loop for each of them.
-static VReg *SkipToId(VReg *slot, VReg *end, uint32_t id)
+static VReg *SkipToId(VReg *slot, const VReg *end, uint32_t id)
 {
     while (end - slot >= 8) {
         const bool isAmong = slot[0].id == id || slot[1].id == id || slot[2].id == id || slot[3].id == id ||

@@ -30,8 +30,7 @@ struct Bed : Desk {
 void MakeFile(Bed &bed)
 {
     std::filesystem::create_symlink("file", bed.directory.Path("link"));
-    bed.directory.Write("file", "[s]\n" + Items(50) + "[t]\nx=" + std::string(9000, 'y') +
-                                    "\n[s]\nz=1");
+    bed.directory.Write("file", "[s]\n" + Items(50) + "[t]\nx=" + std::string(9000, 'y') + "\n[s]\nz=1");
 }
 
 void MakeAndRead(Bed &bed)
