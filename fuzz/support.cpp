@@ -29,6 +29,7 @@ static size_t readSoFar; // of the file opened last
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the sanitizer's names. Its
 // functions are absent in a build without it.
 extern "C" {
+__attribute__((weak)) void __asan_init();
 __attribute__((weak)) int
 __sanitizer_install_malloc_and_free_hooks(void (*onAllocation)(const volatile void *, size_t),
                                           void (*onRelease)(const volatile void *));
@@ -89,7 +90,7 @@ Bounds::Bounds(size_t size) : size(static_cast<int64_t>(size)), start(Time_Now()
 
 Bounds::~Bounds()
 {
-    const bool isWatched = __sanitizer_install_malloc_and_free_hooks != nullptr;
+    const bool isWatched = __asan_init != nullptr; // whose allocator alone tells
     Check(!isWatched || mostBytes > 0 || size < 32, "memory is watched");
     Check(mostBytes <= BytesPerInput + BytesPerByte * size, "memory stays in proportion to the input");
     Check(Time_Now() - start <= TimePerInput + TimePerByte * size, "time stays in proportion to the input");
