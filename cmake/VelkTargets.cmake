@@ -19,6 +19,10 @@ if(VELK_COVERAGE)
         "SHELL:-mllvm -runtime-counter-relocation")
     target_link_options(velk_build INTERFACE -fprofile-instr-generate)
 endif()
+# Nothing of the compiler's stands beside the DLLs.
+if(WIN32)
+    target_link_options(velk_build INTERFACE -static)
+endif()
 if(VELK_HARDENING)
     target_compile_definitions(velk_build INTERFACE
         $<$<COMPILE_LANGUAGE:CXX>:_GLIBCXX_ASSERTIONS> _FORTIFY_SOURCE=2)
@@ -53,15 +57,24 @@ function(velk_add_objects target)
     velk_hide_symbols(${target})
 endfunction()
 
-# velk_add_library(<target> <directory>): a libvelk32.so.1 in <directory>, linked from the objects of
-# the library. Calls inside it do not go through its exports.
+# velk_add_library(<target> <directory>): a libvelk32.so.1 or Velk32.dll in <directory>, linked from the objects
+# of the library. Calls inside it do not go through its exports.
 function(velk_add_library target directory)
-    set(map "${PROJECT_SOURCE_DIR}/platform/libvelk32.map")
     add_library(${target} SHARED ${velkLibraryObjects})
     target_include_directories(${target} PUBLIC
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     target_link_libraries(${target} PRIVATE velk_build ${CMAKE_DL_LIBS})
+    set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
+    if(WIN32)
+        velk_make_dll(${target} "${directory}")
+    else()
+        velk_make_shared_object(${target} "${directory}")
+    endif()
+endfunction()
+
+function(velk_make_shared_object target directory)
+    set(map "${PROJECT_SOURCE_DIR}/platform/libvelk32.map")
     target_link_options(${target} PRIVATE
         -Wl,-Bsymbolic-functions -Wl,--as-needed "-Wl,--version-script=${map}")
     set_target_properties(${target} PROPERTIES
@@ -69,24 +82,40 @@ function(velk_add_library target directory)
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR}
         LIBRARY_OUTPUT_DIRECTORY "${directory}"
-        LINKER_LANGUAGE CXX
         LINK_DEPENDS "${map}"
         BUILD_WITH_INSTALL_RPATH ON
         INSTALL_RPATH "$ORIGIN/velk")
 endfunction()
 
+function(velk_make_dll target directory)
+    target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/platform/velk32.def")
+    set_target_properties(${target} PROPERTIES
+        PREFIX ""
+        OUTPUT_NAME Velk32
+        RUNTIME_OUTPUT_DIRECTORY "${directory}"
+        ARCHIVE_OUTPUT_DIRECTORY "${directory}")
+endfunction()
+
 # velk_add_accessor(<target> <library> <directory> <name> <source or objects>...): the accessor module
-# <name>.so in <directory>/velk, beside a <library> that stands in <directory>.
+# <name>.so in <directory>/velk, beside a <library> that stands in <directory>. On Windows it is <name>.DLL
+# and stands beside the library and the program, where the system looks.
 function(velk_add_accessor target library directory name)
     add_library(${target} MODULE ${ARGN})
     target_link_libraries(${target} PRIVATE velk_inside ${library} Threads::Threads)
-    target_link_options(${target} PRIVATE -Wl,--as-needed)
     velk_hide_symbols(${target})
     set_target_properties(${target} PROPERTIES
         PREFIX ""
         OUTPUT_NAME ${name}
+        LINKER_LANGUAGE CXX)
+    if(WIN32)
+        set_target_properties(${target} PROPERTIES
+            SUFFIX ".DLL"
+            LIBRARY_OUTPUT_DIRECTORY "${directory}")
+        return()
+    endif()
+    target_link_options(${target} PRIVATE -Wl,--as-needed)
+    set_target_properties(${target} PROPERTIES
         LIBRARY_OUTPUT_DIRECTORY "${directory}/velk"
-        LINKER_LANGUAGE CXX
         BUILD_WITH_INSTALL_RPATH ON
         INSTALL_RPATH "$ORIGIN/..")
 endfunction()

@@ -1,5 +1,7 @@
 #include "platform/file.h"
 
+#include "platform/new_file.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -12,14 +14,6 @@
 #include <unistd.h>
 
 static_assert(sizeof(off_t) == 8, "files over 2 GiB need 64-bit offsets");
-
-// A new file bears this and ten characters of that as its name until it is complete. The process that
-// writes it holds it locked; one that nobody holds locked was left by a process that died.
-constexpr char NewFilePrefix[] = ".velk-save-";
-constexpr char NewFileAlphabet[] = "abcdefghijklmnopqrstuvwxyz012345";
-constexpr size_t NewFilePrefixLength = sizeof NewFilePrefix - 1;
-constexpr size_t NewFileLength = NewFilePrefixLength + 10;
-constexpr int NewFileAttempts = 100;
 
 constexpr int MostLinks = 40;
 constexpr mode_t PermissionBits = 0777;
@@ -220,12 +214,6 @@ static int Directory_OpenOf(char *path)
     return directory;
 }
 
-static bool Name_IsOfNewFile(const char *name)
-{
-    return strlen(name) == NewFileLength && memcmp(name, NewFilePrefix, NewFilePrefixLength) == 0 &&
-           strspn(name + NewFilePrefixLength, NewFileAlphabet) == NewFileLength - NewFilePrefixLength;
-}
-
 static void Directory_RemoveIfDead(int directory, const char *name)
 {
     struct stat found;
@@ -258,20 +246,12 @@ static void Target_Sweep(const Target &target)
     closedir(list);
 }
 
-// The name need not be hard to guess, for the file is made exclusively: only rarely taken.
 static void NewFile_Name(NewFile *file, int attempt)
 {
     timespec now;
     clock_gettime(CLOCK_REALTIME, &now);
-    const uint64_t process = static_cast<uint64_t>(getpid()) << 40;
-    uint64_t number = static_cast<uint64_t>(now.tv_sec) * 1000000000 + static_cast<uint64_t>(now.tv_nsec);
-    number = (number + static_cast<uint64_t>(attempt)) * 0x9E3779B97F4A7C15 ^ process;
-    memcpy(file->name, NewFilePrefix, NewFilePrefixLength);
-    for (size_t at = NewFilePrefixLength; at < NewFileLength; ++at) {
-        file->name[at] = NewFileAlphabet[number >> 59];
-        number <<= 5;
-    }
-    file->name[NewFileLength] = 0;
+    const uint64_t time = static_cast<uint64_t>(now.tv_sec) * 1000000000 + static_cast<uint64_t>(now.tv_nsec);
+    NewFile_ComposeName(file->name, static_cast<uint64_t>(getpid()), time, attempt);
 }
 
 // Makes an empty file and locks it. Between the two another process may take it for a dead one's and

@@ -1,9 +1,10 @@
 #include "accessors/image/image_units.h"
 
 #include <mutex>
+#include <shared_mutex>
 
 struct UnitChain {
-    std::mutex lock;
+    std::shared_mutex lock;
     ImageMap *first = nullptr;
 };
 
@@ -32,7 +33,7 @@ static const ImageMap *UnitChain_Find(uint32_t unit)
 
 StatusCode ImageUnits_Add(ImageMap *map)
 {
-    const std::lock_guard<std::mutex> guard(units.lock);
+    const std::lock_guard guard(units.lock);
     const ImageMap *present = UnitChain_Find(map->unit);
     if (present == nullptr) {
         map->next = units.first;
@@ -46,6 +47,6 @@ StatusCode ImageUnits_Add(ImageMap *map)
 
 const ImageMap *ImageUnits_Find(uint32_t unit)
 {
-    const std::lock_guard<std::mutex> guard(units.lock);
+    const std::lock_guard guard(units.lock);
     return UnitChain_Find(unit);
 }

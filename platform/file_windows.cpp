@@ -1,0 +1,512 @@
+// Paths are bytes in the ANSI code page. Inside they are made absolute and wide, so that they may be longer
+// than 260 characters.
+#include "platform/file.h"
+
+#include "platform/new_file.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+
+#include <windows.h>
+
+constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// A path of as many characters needs the long form; the names of new files beside it fit below that too.
+constexpr size_t LongPath = MAX_PATH - 1 - NewFileLength;
+constexpr wchar_t LongPrefix[] = L"\\\\?\\";
+constexpr wchar_t LongNetworkPrefix[] = L"\\\\?\\UNC";
+
+// One call moves at most as many bytes.
+constexpr size_t LargestTransfer = size_t{1} << 30;
+
+// The attributes of an old file that a new one takes.
+constexpr DWORD KeptAttributes = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+
+// The file that is to be replaced: its absolute path, and an open handle of one that exists.
+struct Target {
+    wchar_t *path; // owned
+    HANDLE old;    // INVALID_HANDLE_VALUE: there is none
+};
+
+struct NewFile {
+    HANDLE handle;
+    wchar_t *path; // owned
+};
+
+static FileStatus Status_FromError(DWORD error)
+{
+    switch (error) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_NAME:
+    case ERROR_BAD_PATHNAME:
+    case ERROR_BAD_NETPATH:
+    case ERROR_INVALID_DRIVE:
+        return FileMissing;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_WRITE_PROTECT:
+        return FileDenied;
+    default:
+        return FileFailed;
+    }
+}
+
+static FileStatus Status_OfLastCall()
+{
+    return Status_FromError(GetLastError());
+}
+
+// A place for `count` characters, or null.
+static wchar_t *Wide_New(size_t count)
+{
+    return static_cast<wchar_t *>(malloc(count * sizeof(wchar_t)));
+}
+
+// Two texts behind each other, or null.
+static wchar_t *Wide_Join(const wchar_t *text, size_t length, const wchar_t *more)
+{
+    const size_t moreSize = wcslen(more) + 1;
+    wchar_t *joined = Wide_New(length + moreSize);
+    if (joined == nullptr)
+        return nullptr;
+    wmemcpy(joined, text, length);
+    wmemcpy(joined + length, more, moreSize);
+    return joined;
+}
+
+static wchar_t *Wide_FromText(const char *text)
+{
+    const int size = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
+    wchar_t *wide = size < 1 ? nullptr : Wide_New(static_cast<size_t>(size));
+    if (wide != nullptr)
+        MultiByteToWideChar(CP_ACP, 0, text, -1, wide, size);
+    return wide;
+}
+
+// Null when memory runs out, or when a character does not stand in the code page.
+static char *Text_FromWide(const wchar_t *wide)
+{
+    BOOL isLost = FALSE;
+    const int size =
+        WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide, -1, nullptr, 0, nullptr, &isLost);
+    char *text = size < 1 || isLost ? nullptr : static_cast<char *>(malloc(static_cast<size_t>(size)));
+    if (text != nullptr)
+        WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide, -1, text, size, nullptr, nullptr);
+    return text;
+}
+
+// The absolute form of a path, in a block of its own.
+static FileStatus Path_MakeAbsolute(const char *path, wchar_t **absolute)
+{
+    wchar_t *wide = Wide_FromText(path);
+    if (wide == nullptr)
+        return FileFailed;
+    const DWORD size = GetFullPathNameW(wide, 0, nullptr, nullptr);
+    FileStatus status = size == 0 ? Status_OfLastCall() : FileFailed;
+    *absolute = size == 0 ? nullptr : Wide_New(size);
+    if (*absolute != nullptr) {
+        // It grows only if another thread changes the working directory meanwhile.
+        const DWORD length = GetFullPathNameW(wide, size, *absolute, nullptr);
+        status = length > 0 && length < size ? FileDone : FileFailed;
+    }
+    free(wide);
+    if (status != FileDone) {
+        free(*absolute);
+        *absolute = nullptr;
+    }
+    return status;
+}
+
+// Takes over an absolute path and gives it in the form that may be long; null without memory.
+static wchar_t *Path_Lengthen(wchar_t *path)
+{
+    const bool isNetwork = path[0] == L'\\' && path[1] == L'\\';
+    const bool isOfDevice = isNetwork && (path[2] == L'?' || path[2] == L'.');
+    if (wcslen(path) < LongPath || isOfDevice)
+        return path;
+    wchar_t *lengthened = isNetwork ? Wide_Join(LongNetworkPrefix, wcslen(LongNetworkPrefix), path + 1)
+                                    : Wide_Join(LongPrefix, wcslen(LongPrefix), path);
+    free(path);
+    return lengthened;
+}
+
+static FileStatus Path_Widen(const char *path, wchar_t **wide)
+{
+    const FileStatus status = Path_MakeAbsolute(path, wide);
+    if (status != FileDone)
+        return status;
+    *wide = Path_Lengthen(*wide);
+    return *wide != nullptr ? FileDone : FileFailed;
+}
+
+static FileStatus Path_Open(const wchar_t *path, DWORD access, HANDLE *handle)
+{
+    *handle = CreateFileW(path, access, ShareAll, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return *handle != INVALID_HANDLE_VALUE ? FileDone : Status_OfLastCall();
+}
+
+// The characters of a path up to its last separator and with it.
+static size_t Path_DirectoryLength(const wchar_t *path)
+{
+    const wchar_t *separator = wcsrchr(path, L'\\');
+    return separator == nullptr ? 0 : static_cast<size_t>(separator - path) + 1;
+}
+
+static FileStatus Handle_Write(HANDLE handle, const void *bytes, size_t size)
+{
+    const auto *at = static_cast<const char *>(bytes);
+    while (size > 0) {
+        DWORD written = 0;
+        const auto piece = static_cast<DWORD>(std::min(size, LargestTransfer));
+        if (WriteFile(handle, at, piece, &written, nullptr) == 0)
+            return Status_OfLastCall();
+        if (written == 0)
+            return FileFailed;
+        at += written;
+        size -= written;
+    }
+    return FileDone;
+}
+
+// What has nothing to flush to says that it knows no such call.
+static FileStatus Handle_Flush(HANDLE handle)
+{
+    if (FlushFileBuffers(handle) != 0)
+        return FileDone;
+    const DWORD error = GetLastError();
+    return error == ERROR_INVALID_HANDLE || error == ERROR_INVALID_FUNCTION ? FileDone
+                                                                            : Status_FromError(error);
+}
+
+// A file system without access lists has none to give.
+static bool Error_IsOfNoLists(DWORD error)
+{
+    return error == ERROR_INVALID_FUNCTION || error == ERROR_NOT_SUPPORTED ||
+           error == ERROR_CALL_NOT_IMPLEMENTED;
+}
+
+// Gives a new file the access list of an old one.
+static FileStatus Handle_TakeAccess(HANDLE handle, HANDLE old)
+{
+    DWORD size = 0;
+    if (GetKernelObjectSecurity(old, DACL_SECURITY_INFORMATION, nullptr, 0, &size) == 0 &&
+        GetLastError() != ERROR_INSUFFICIENT_BUFFER)
+        return Error_IsOfNoLists(GetLastError()) ? FileDone : Status_OfLastCall();
+    void *list = malloc(size);
+    if (list == nullptr)
+        return FileFailed;
+    const bool isDone = GetKernelObjectSecurity(old, DACL_SECURITY_INFORMATION, list, size, &size) != 0 &&
+                        SetKernelObjectSecurity(handle, DACL_SECURITY_INFORMATION, list) != 0;
+    const DWORD error = GetLastError();
+    free(list);
+    return isDone || Error_IsOfNoLists(error) ? FileDone : Status_FromError(error);
+}
+
+static bool Entry_IsOfNewFile(const WIN32_FIND_DATAW &entry)
+{
+    char name[NewFileLength + 1] = {};
+    if (wcslen(entry.cFileName) != NewFileLength ||
+        (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+        return false;
+    for (size_t at = 0; at < NewFileLength; ++at)
+        name[at] = entry.cFileName[at] < 0x80 ? static_cast<char>(entry.cFileName[at]) : '?';
+    return Name_IsOfNewFile(name);
+}
+
+// A living process does not share the file for writing, so that this fails.
+static void Path_RemoveIfDead(const wchar_t *path)
+{
+    HANDLE handle = CreateFileW(path, GENERIC_WRITE | DELETE, 0, nullptr, OPEN_EXISTING,
+                                FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (handle != INVALID_HANDLE_VALUE)
+        CloseHandle(handle);
+}
+
+// Removes what dead processes left. A directory that can't be listed stays as it is.
+static void Target_Sweep(const Target &target)
+{
+    const size_t length = Path_DirectoryLength(target.path);
+    wchar_t *pattern = Wide_Join(target.path, length, L".velk-save-*");
+    if (pattern == nullptr)
+        return;
+    WIN32_FIND_DATAW entry;
+    HANDLE list = FindFirstFileW(pattern, &entry);
+    free(pattern);
+    if (list == INVALID_HANDLE_VALUE)
+        return;
+    do {
+        if (!Entry_IsOfNewFile(entry) || _wcsicmp(entry.cFileName, target.path + length) == 0)
+            continue;
+        wchar_t *path = Wide_Join(target.path, length, entry.cFileName);
+        if (path != nullptr)
+            Path_RemoveIfDead(path);
+        free(path);
+    } while (FindNextFileW(list, &entry) != 0);
+    FindClose(list);
+}
+
+static wchar_t *NewFile_Path(const Target &target, int attempt)
+{
+    FILETIME now;
+    GetSystemTimeAsFileTime(&now);
+    const uint64_t time = uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime;
+    char name[NewFileLength + 1];
+    NewFile_ComposeName(name, GetCurrentProcessId(), time, attempt);
+    wchar_t wide[NewFileLength + 1];
+    std::copy(name, name + sizeof name, wide);
+    return Wide_Join(target.path, Path_DirectoryLength(target.path), wide);
+}
+
+static DWORD Target_Attributes(const Target &target)
+{
+    const DWORD found = GetFileAttributesW(target.path);
+    const DWORD kept = found == INVALID_FILE_ATTRIBUTES ? 0 : found & KeptAttributes;
+    return kept != 0 ? kept : FILE_ATTRIBUTE_NORMAL;
+}
+
+// Makes an empty file. While it is open nobody else may write to it, which tells others that it lives; it may
+// be read and renamed.
+static FileStatus NewFile_Make(const Target &target, NewFile *file)
+{
+    for (int attempt = 0; attempt < NewFileAttempts; ++attempt) {
+        file->path = NewFile_Path(target, attempt);
+        if (file->path == nullptr)
+            return FileFailed;
+        file->handle = CreateFileW(file->path, GENERIC_WRITE | WRITE_DAC, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                   nullptr, CREATE_NEW, Target_Attributes(target), nullptr);
+        if (file->handle != INVALID_HANDLE_VALUE)
+            return FileDone;
+        const DWORD error = GetLastError();
+        free(file->path);
+        if (error != ERROR_FILE_EXISTS)
+            return Status_FromError(error);
+    }
+    return FileFailed;
+}
+
+// The old file is closed ahead of the rename, which an open one would refuse.
+static FileStatus NewFile_TakeName(const NewFile &file, Target *target)
+{
+    if (target->old != INVALID_HANDLE_VALUE)
+        CloseHandle(target->old);
+    target->old = INVALID_HANDLE_VALUE;
+    constexpr DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+    return MoveFileExW(file.path, target->path, flags) != 0 ? FileDone : Status_OfLastCall();
+}
+
+static FileStatus NewFile_Complete(const NewFile &file, Target *target, const void *bytes, size_t size)
+{
+    FileStatus status = FileDone;
+    if (target->old != INVALID_HANDLE_VALUE)
+        status = Handle_TakeAccess(file.handle, target->old);
+    if (status == FileDone)
+        status = Handle_Write(file.handle, bytes, size);
+    if (status == FileDone)
+        status = Handle_Flush(file.handle);
+    return status == FileDone ? NewFile_TakeName(file, target) : status;
+}
+
+static FileStatus Target_Replace(Target *target, const void *bytes, size_t size)
+{
+    Target_Sweep(*target);
+    NewFile file;
+    FileStatus status = NewFile_Make(*target, &file);
+    if (status != FileDone)
+        return status;
+    status = NewFile_Complete(file, target, bytes, size);
+    if (status != FileDone)
+        DeleteFileW(file.path);
+    CloseHandle(file.handle);
+    free(file.path);
+    return status;
+}
+
+// The path that an open file really has, links followed, in place of the one that led there.
+static FileStatus Target_Resolve(Target *target)
+{
+    const DWORD size = GetFinalPathNameByHandleW(target->old, nullptr, 0, FILE_NAME_NORMALIZED);
+    if (size == 0)
+        return FileDone; // not every file system tells
+    wchar_t *path = Wide_New(size);
+    if (path == nullptr)
+        return FileFailed;
+    if (GetFinalPathNameByHandleW(target->old, path, size, FILE_NAME_NORMALIZED) >= size) {
+        free(path);
+        return FileFailed;
+    }
+    free(target->path);
+    target->path = path;
+    return FileDone;
+}
+
+static FileStatus Target_WriteOver(Target *target, const void *bytes, size_t size)
+{
+    if (GetFileType(target->old) != FILE_TYPE_DISK)
+        return Handle_Write(target->old, bytes, size);
+    const FileStatus status = Target_Resolve(target);
+    return status == FileDone ? Target_Replace(target, bytes, size) : status;
+}
+
+// Where a path leads to nothing but is there, it is a link to nothing: replacing the link would not make what
+// it leads to.
+static FileStatus Target_Make(Target *target, const void *bytes, size_t size)
+{
+    if (GetFileAttributesW(target->path) != INVALID_FILE_ATTRIBUTES)
+        return FileFailed;
+    return Target_Replace(target, bytes, size);
+}
+
+FileStatus File_Replace(const char *path, const void *bytes, size_t size)
+{
+    Target target = {nullptr, INVALID_HANDLE_VALUE};
+    FileStatus status = Path_Widen(path, &target.path);
+    if (status != FileDone)
+        return status;
+    status = Path_Open(target.path, GENERIC_WRITE | READ_CONTROL, &target.old);
+    if (status == FileDone)
+        status = Target_WriteOver(&target, bytes, size);
+    else if (status == FileMissing)
+        status = Target_Make(&target, bytes, size);
+    if (target.old != INVALID_HANDLE_VALUE)
+        CloseHandle(target.old);
+    free(target.path);
+    return status;
+}
+
+char *File_PathIn(const char *directory, const char *name)
+{
+    const size_t length = strlen(directory);
+    const size_t nameSize = strlen(name) + 1;
+    auto *path = static_cast<char *>(malloc(length + 1 + nameSize));
+    if (path == nullptr)
+        return nullptr;
+    memcpy(path, directory, length);
+    path[length] = '\\';
+    memcpy(path + length + 1, name, nameSize);
+    return path;
+}
+
+static bool Name_IsAbsolute(const char *name)
+{
+    return *name == '\\' || *name == '/' || (*name != '\0' && name[1] == ':');
+}
+
+char *File_AbsolutePath(const char *directory, const char *name)
+{
+    char *path = Name_IsAbsolute(name) ? nullptr : File_PathIn(directory, name);
+    if (path == nullptr && !Name_IsAbsolute(name))
+        return nullptr;
+    wchar_t *absolute;
+    const FileStatus status = Path_MakeAbsolute(path != nullptr ? path : name, &absolute);
+    free(path);
+    if (status != FileDone)
+        return nullptr;
+    char *text = Text_FromWide(absolute);
+    free(absolute);
+    return text;
+}
+
+static FileStatus File_Open(const char *path, DWORD access, File *file)
+{
+    wchar_t *wide;
+    FileStatus status = Path_Widen(path, &wide);
+    if (status != FileDone)
+        return status;
+    HANDLE handle;
+    status = Path_Open(wide, access, &handle);
+    free(wide);
+    if (status == FileDone)
+        file->handle = reinterpret_cast<intptr_t>(handle);
+    return status;
+}
+
+static HANDLE File_Handle(File file)
+{
+    return reinterpret_cast<HANDLE>(file.handle);
+}
+
+FileStatus File_OpenToRead(const char *path, File *file)
+{
+    return File_Open(path, GENERIC_READ, file);
+}
+
+FileStatus File_OpenToChange(const char *path, File *file)
+{
+    return File_Open(path, GENERIC_READ | GENERIC_WRITE, file);
+}
+
+void File_Close(File file)
+{
+    CloseHandle(File_Handle(file));
+}
+
+int64_t File_Size(File file)
+{
+    if (GetFileType(File_Handle(file)) != FILE_TYPE_DISK)
+        return 0;
+    LARGE_INTEGER size;
+    return GetFileSizeEx(File_Handle(file), &size) != 0 ? size.QuadPart : -1;
+}
+
+// The bytes read; 0 at the end, which a pipe tells by breaking; -1 on failure.
+static int64_t Handle_Read(HANDLE handle, void *buffer, size_t size, OVERLAPPED *place)
+{
+    DWORD got = 0;
+    if (ReadFile(handle, buffer, static_cast<DWORD>(std::min(size, LargestTransfer)), &got, place) != 0)
+        return got;
+    const DWORD error = GetLastError();
+    return error == ERROR_HANDLE_EOF || error == ERROR_BROKEN_PIPE ? 0 : -1;
+}
+
+int64_t File_ReadNext(File file, void *buffer, size_t size)
+{
+    return Handle_Read(File_Handle(file), buffer, size, nullptr);
+}
+
+static OVERLAPPED Place_At(uint64_t offset)
+{
+    OVERLAPPED place = {};
+    place.Offset = static_cast<DWORD>(offset);
+    place.OffsetHigh = static_cast<DWORD>(offset >> 32);
+    return place;
+}
+
+int64_t File_ReadAt(File file, uint64_t offset, void *buffer, size_t size)
+{
+    size_t done = 0;
+    while (done < size) {
+        OVERLAPPED place = Place_At(offset + done);
+        const int64_t got =
+            Handle_Read(File_Handle(file), static_cast<char *>(buffer) + done, size - done, &place);
+        if (got < 0)
+            return -1;
+        if (got == 0)
+            break;
+        done += static_cast<size_t>(got);
+    }
+    return static_cast<int64_t>(done);
+}
+
+FileStatus File_WriteAt(File file, uint64_t offset, const void *bytes, size_t size)
+{
+    size_t done = 0;
+    while (done < size) {
+        OVERLAPPED place = Place_At(offset + done);
+        DWORD written = 0;
+        const auto piece = static_cast<DWORD>(std::min(size - done, LargestTransfer));
+        if (WriteFile(File_Handle(file), static_cast<const char *>(bytes) + done, piece, &written, &place) ==
+            0)
+            return Status_OfLastCall();
+        if (written == 0)
+            return FileFailed;
+        done += written;
+    }
+    return FileDone;
+}
+
+FileStatus File_Flush(File file)
+{
+    return Handle_Flush(File_Handle(file));
+}
