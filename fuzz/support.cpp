@@ -22,6 +22,7 @@ constexpr int64_t TimePerInput = 500000000;
 constexpr int64_t TimePerByte = 250000;
 
 static int64_t liveBytes, mostBytes;
+static uint64_t allocations; // so far
 static unsigned inputsTried, inputsLoaded;
 static std::map<std::string, std::string> memoryFiles;
 static size_t readSoFar; // of the file opened last
@@ -45,6 +46,7 @@ const char *__asan_default_options()
 
 static void Count_Allocation(const volatile void *, size_t size)
 {
+    ++allocations;
     liveBytes += static_cast<int64_t>(size);
     mostBytes = std::max(mostBytes, liveBytes);
 }
@@ -91,7 +93,7 @@ Bounds::Bounds(size_t size) : size(static_cast<int64_t>(size)), start(Time_Now()
 Bounds::~Bounds()
 {
     const bool isWatched = __asan_init != nullptr; // whose allocator alone tells
-    Check(!isWatched || mostBytes > 0 || size < 32, "memory is watched");
+    Check(!isWatched || allocations > 0, "memory is watched");
     Check(mostBytes <= BytesPerInput + BytesPerByte * size, "memory stays in proportion to the input");
     Check(Time_Now() - start <= TimePerInput + TimePerByte * size, "time stays in proportion to the input");
 }
