@@ -101,7 +101,7 @@ endfunction()
 # and stands beside the library and the program, where the system looks.
 function(velk_add_accessor target library directory name)
     add_library(${target} MODULE ${ARGN})
-    target_link_libraries(${target} PRIVATE velk_inside ${library} Threads::Threads)
+    target_link_libraries(${target} PRIVATE velk_inside ${library})
     velk_hide_symbols(${target})
     set_target_properties(${target} PROPERTIES
         PREFIX ""

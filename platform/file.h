@@ -10,7 +10,8 @@ enum FileStatus : int32_t {
     FileDone = 0,
     FileMissing = -1, // there is no such file
     FileDenied = -2,  // this process may not
-    FileFailed = -3   // anything else, lack of memory included
+    FileFailed = -3,  // anything else
+    FileNoMemory = -4 // there is no memory for the path
 };
 
 // An open file, to be passed by value and closed once. `handle` is the platform's.

@@ -141,7 +141,7 @@ static FileStatus Link_Read(const char *path, char **link)
         auto *grown = static_cast<char *>(realloc(text, size));
         if (grown == nullptr) {
             free(text);
-            return FileFailed;
+            return FileNoMemory;
         }
         text = grown;
         const ssize_t length = System_Call([&] { return readlink(path, text, size); });
@@ -181,7 +181,7 @@ static char *Path_Join(const char *path, size_t length, const char *more)
 // path itself would replace the link. Receives the path in a block of its own.
 static FileStatus Path_Resolve(const char *path, char **resolved)
 {
-    FileStatus status = FileFailed;
+    FileStatus status = FileNoMemory;
     char *place = Path_Join("", 0, path);
     for (int links = 0; place != nullptr && links <= MostLinks; ++links) {
         char *link;
@@ -192,11 +192,11 @@ static FileStatus Path_Resolve(const char *path, char **resolved)
             *resolved = place;
             return FileDone;
         }
-        status = FileFailed; // too many links, or no memory for the next path
         char *next = Path_Join(place, *link == '/' ? 0 : Path_DirectoryLength(place), link);
         free(link);
         free(place);
         place = next;
+        status = place == nullptr ? FileNoMemory : FileFailed; // the latter of too many links
     }
     free(place);
     return status;

@@ -21,6 +21,11 @@ constexpr wchar_t LongNetworkPrefix[] = L"\\\\?\\UNC";
 // One call moves at most as many bytes.
 constexpr size_t LargestTransfer = size_t{1} << 30;
 
+// How often a file that somebody else has open is asked for, and the milliseconds between: another save is
+// soon done, and so is who looks through new files.
+constexpr int BusyAttempts = 50;
+constexpr DWORD BusyPause = 10;
+
 // The attributes of an old file that a new one takes.
 constexpr DWORD KeptAttributes = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
 
@@ -30,9 +35,15 @@ struct Target {
     HANDLE old;    // INVALID_HANDLE_VALUE: there is none
 };
 
+// A path in the directory of the target, with room for the name of a new file at its end.
+struct Neighbour {
+    wchar_t *path; // owned
+    wchar_t *name;
+};
+
 struct NewFile {
     HANDLE handle;
-    wchar_t *path; // owned
+    const wchar_t *path;
 };
 
 static FileStatus Status_FromError(DWORD error)
@@ -102,9 +113,9 @@ static FileStatus Path_MakeAbsolute(const char *path, wchar_t **absolute)
 {
     wchar_t *wide = Wide_FromText(path);
     if (wide == nullptr)
-        return FileFailed;
+        return FileNoMemory;
     const DWORD size = GetFullPathNameW(wide, 0, nullptr, nullptr);
-    FileStatus status = size == 0 ? Status_OfLastCall() : FileFailed;
+    FileStatus status = size == 0 ? Status_OfLastCall() : FileNoMemory;
     *absolute = size == 0 ? nullptr : Wide_New(size);
     if (*absolute != nullptr) {
         // It grows only if another thread changes the working directory meanwhile.
@@ -138,12 +149,19 @@ static FileStatus Path_Widen(const char *path, wchar_t **wide)
     if (status != FileDone)
         return status;
     *wide = Path_Lengthen(*wide);
-    return *wide != nullptr ? FileDone : FileFailed;
+    return *wide != nullptr ? FileDone : FileNoMemory;
 }
 
+static bool Error_IsOfBusyFile(DWORD error)
+{
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+}
+
+// A directory opens for reading only, and fails when it is read.
 static FileStatus Path_Open(const wchar_t *path, DWORD access, HANDLE *handle)
 {
-    *handle = CreateFileW(path, access, ShareAll, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const DWORD flags = access == GENERIC_READ ? FILE_FLAG_BACKUP_SEMANTICS : FILE_ATTRIBUTE_NORMAL;
+    *handle = CreateFileW(path, access, ShareAll, nullptr, OPEN_EXISTING, flags, nullptr);
     return *handle != INVALID_HANDLE_VALUE ? FileDone : Status_OfLastCall();
 }
 
@@ -196,7 +214,7 @@ static FileStatus Handle_TakeAccess(HANDLE handle, HANDLE old)
         return Error_IsOfNoLists(GetLastError()) ? FileDone : Status_OfLastCall();
     void *list = malloc(size);
     if (list == nullptr)
-        return FileFailed;
+        return FileNoMemory;
     const bool isDone = GetKernelObjectSecurity(old, DACL_SECURITY_INFORMATION, list, size, &size) != 0 &&
                         SetKernelObjectSecurity(handle, DACL_SECURITY_INFORMATION, list) != 0;
     const DWORD error = GetLastError();
@@ -224,39 +242,43 @@ static void Path_RemoveIfDead(const wchar_t *path)
         CloseHandle(handle);
 }
 
-// Removes what dead processes left. A directory that can't be listed stays as it is.
-static void Target_Sweep(const Target &target)
+// Without memory its path is null.
+static Neighbour Target_Neighbour(const Target &target)
 {
     const size_t length = Path_DirectoryLength(target.path);
-    wchar_t *pattern = Wide_Join(target.path, length, L".velk-save-*");
-    if (pattern == nullptr)
-        return;
+    wchar_t *path = Wide_New(length + NewFileLength + 1);
+    if (path == nullptr)
+        return {nullptr, nullptr};
+    wmemcpy(path, target.path, length);
+    return {path, path + length};
+}
+
+// Removes what dead processes left. A directory that can't be listed stays as it is.
+static void Target_Sweep(const Target &target, const Neighbour &place)
+{
+    const wchar_t *name = target.path + Path_DirectoryLength(target.path);
+    wcscpy(place.name, L".velk-save-*");
     WIN32_FIND_DATAW entry;
-    HANDLE list = FindFirstFileW(pattern, &entry);
-    free(pattern);
+    HANDLE list = FindFirstFileW(place.path, &entry);
     if (list == INVALID_HANDLE_VALUE)
         return;
     do {
-        if (!Entry_IsOfNewFile(entry) || _wcsicmp(entry.cFileName, target.path + length) == 0)
+        if (!Entry_IsOfNewFile(entry) || _wcsicmp(entry.cFileName, name) == 0)
             continue;
-        wchar_t *path = Wide_Join(target.path, length, entry.cFileName);
-        if (path != nullptr)
-            Path_RemoveIfDead(path);
-        free(path);
+        wcscpy(place.name, entry.cFileName);
+        Path_RemoveIfDead(place.path);
     } while (FindNextFileW(list, &entry) != 0);
     FindClose(list);
 }
 
-static wchar_t *NewFile_Path(const Target &target, int attempt)
+static void NewFile_Name(wchar_t *wide, int attempt)
 {
     FILETIME now;
     GetSystemTimeAsFileTime(&now);
     const uint64_t time = uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime;
     char name[NewFileLength + 1];
     NewFile_ComposeName(name, GetCurrentProcessId(), time, attempt);
-    wchar_t wide[NewFileLength + 1];
     std::copy(name, name + sizeof name, wide);
-    return Wide_Join(target.path, Path_DirectoryLength(target.path), wide);
 }
 
 static DWORD Target_Attributes(const Target &target)
@@ -268,20 +290,17 @@ static DWORD Target_Attributes(const Target &target)
 
 // Makes an empty file. While it is open nobody else may write to it, which tells others that it lives; it may
 // be read and renamed.
-static FileStatus NewFile_Make(const Target &target, NewFile *file)
+static FileStatus NewFile_Make(const Target &target, const Neighbour &place, NewFile *file)
 {
+    file->path = place.path;
     for (int attempt = 0; attempt < NewFileAttempts; ++attempt) {
-        file->path = NewFile_Path(target, attempt);
-        if (file->path == nullptr)
-            return FileFailed;
+        NewFile_Name(place.name, attempt);
         file->handle = CreateFileW(file->path, GENERIC_WRITE | WRITE_DAC, FILE_SHARE_READ | FILE_SHARE_DELETE,
                                    nullptr, CREATE_NEW, Target_Attributes(target), nullptr);
         if (file->handle != INVALID_HANDLE_VALUE)
             return FileDone;
-        const DWORD error = GetLastError();
-        free(file->path);
-        if (error != ERROR_FILE_EXISTS)
-            return Status_FromError(error);
+        if (GetLastError() != ERROR_FILE_EXISTS)
+            return Status_OfLastCall();
     }
     return FileFailed;
 }
@@ -293,7 +312,16 @@ static FileStatus NewFile_TakeName(const NewFile &file, Target *target)
         CloseHandle(target->old);
     target->old = INVALID_HANDLE_VALUE;
     constexpr DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-    return MoveFileExW(file.path, target->path, flags) != 0 ? FileDone : Status_OfLastCall();
+    DWORD error = 0;
+    for (int attempt = 0; attempt < BusyAttempts; ++attempt) {
+        if (MoveFileExW(file.path, target->path, flags) != 0)
+            return FileDone;
+        error = GetLastError();
+        if (error != ERROR_ACCESS_DENIED && !Error_IsOfBusyFile(error))
+            break;
+        Sleep(BusyPause);
+    }
+    return Status_FromError(error);
 }
 
 static FileStatus NewFile_Complete(const NewFile &file, Target *target, const void *bytes, size_t size)
@@ -308,18 +336,40 @@ static FileStatus NewFile_Complete(const NewFile &file, Target *target, const vo
     return status == FileDone ? NewFile_TakeName(file, target) : status;
 }
 
-static FileStatus Target_Replace(Target *target, const void *bytes, size_t size)
+static FileStatus Neighbour_Replace(const Neighbour &place, Target *target, const void *bytes, size_t size)
 {
-    Target_Sweep(*target);
+    Target_Sweep(*target, place);
     NewFile file;
-    FileStatus status = NewFile_Make(*target, &file);
+    FileStatus status = NewFile_Make(*target, place, &file);
     if (status != FileDone)
         return status;
     status = NewFile_Complete(file, target, bytes, size);
     if (status != FileDone)
         DeleteFileW(file.path);
     CloseHandle(file.handle);
-    free(file.path);
+    return status;
+}
+
+static FileStatus Target_Replace(Target *target, const void *bytes, size_t size)
+{
+    const Neighbour place = Target_Neighbour(*target);
+    if (place.path == nullptr)
+        return FileNoMemory;
+    const FileStatus status = Neighbour_Replace(place, target, bytes, size);
+    free(place.path);
+    return status;
+}
+
+// Opens an old file, which has to be one that this process may write to.
+static FileStatus Target_OpenOld(Target *target)
+{
+    FileStatus status = FileFailed;
+    for (int attempt = 0; attempt < BusyAttempts; ++attempt) {
+        status = Path_Open(target->path, GENERIC_WRITE | READ_CONTROL, &target->old);
+        if (status == FileDone || !Error_IsOfBusyFile(GetLastError()))
+            break;
+        Sleep(BusyPause);
+    }
     return status;
 }
 
@@ -331,7 +381,7 @@ static FileStatus Target_Resolve(Target *target)
         return FileDone; // not every file system tells
     wchar_t *path = Wide_New(size);
     if (path == nullptr)
-        return FileFailed;
+        return FileNoMemory;
     if (GetFinalPathNameByHandleW(target->old, path, size, FILE_NAME_NORMALIZED) >= size) {
         free(path);
         return FileFailed;
@@ -364,7 +414,7 @@ FileStatus File_Replace(const char *path, const void *bytes, size_t size)
     FileStatus status = Path_Widen(path, &target.path);
     if (status != FileDone)
         return status;
-    status = Path_Open(target.path, GENERIC_WRITE | READ_CONTROL, &target.old);
+    status = Target_OpenOld(&target);
     if (status == FileDone)
         status = Target_WriteOver(&target, bytes, size);
     else if (status == FileMissing)

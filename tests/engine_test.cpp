@@ -43,7 +43,7 @@ void ExpectRefusal(std::string items, const std::string &missing, StatusCode ans
         const std::string calls = std::exchange(bench.answers.calls, "");
         EXPECT_EQ(calls.substr(0, 4), answer == 0 ? "" : "Init");
         EXPECT_EQ(calls.find("Close"), std::string::npos);
-        EXPECT_FALSE(IsModuleLoaded(module));
+        EXPECT_FALSE(Module_IsLoaded(module));
         EXPECT_EQ(LiveAllocations(), live);
     }
     bench.answers.initialize = 5; // as good as 0
@@ -123,7 +123,7 @@ TEST(ClassLoading, IsDoneOnceAnEngineAndName)
     calls.clear();
     bench.Clear();
     EXPECT_EQ(calls, "Close(first) Close(first) Close(second) Close(first) ");
-    EXPECT_TRUE(IsModuleLoaded(second));
+    EXPECT_TRUE(Module_IsLoaded(second));
     EXPECT_EQ(other.Load(), 0);
     for (int n = 1; n < 5; ++n)
         EXPECT_EQ(VelkDiscardConfig(configs[n]), 0);

@@ -6,6 +6,8 @@
 
 #include "tests/support/board.h"
 
+using namespace std::string_literals;
+
 namespace
 {
 
@@ -104,7 +106,7 @@ struct FaultyBoard : Desk {
 
     explicit FaultyBoard(Model expected) : model(std::move(expected))
     {
-        std::filesystem::copy(VELK_TEST_MODULE_DIR "/velkfaulty.so", accessor + ".so");
+        std::filesystem::copy(VELK_TEST_MODULE_DIR "/velkfaulty"s + moduleSuffix, accessor + moduleSuffix);
         directory.Write("keys.ini", sampleKeys);
         directory.Write("options.ini", "");
         directory.Write("board.img", {"c\2\0abc\0\2\1\2\0\0\0\0\0\0", 16});
@@ -135,7 +137,7 @@ struct FaultyBoard : Desk {
             model.classes += status == 0 ? 1 : 0;
             if (model.classes == 0)
                 model.calls.clear();
-            EXPECT_EQ(IsModuleLoaded(accessor), model.classes != 0);
+            EXPECT_EQ(Module_IsLoaded(accessor), model.classes != 0);
         }
         Config *other = nullptr;
         EXPECT_EQ(VelkCreateConfig(engine, "Other", &other), model.classes == 0 ? 0 : -112);
@@ -167,8 +169,8 @@ struct FaultyBoard : Desk {
         bool stays = false;
         for (int32_t n = 0; n < model.classes; ++n)
             stays = model.Call("CloseAccessor") != 0 || stays;
-        EXPECT_EQ(IsModuleLoaded(accessor), stays);
-        EXPECT_FALSE(IsModuleLoaded(image) || IsModuleLoaded(scripted));
+        EXPECT_EQ(Module_IsLoaded(accessor), stays);
+        EXPECT_FALSE(Module_IsLoaded(image) || Module_IsLoaded(scripted));
         int open = 0;
         for (size_t at = 0; (at = answers.calls.find("Session(", at)) != std::string::npos; ++at)
             open += answers.calls.compare(at - 2, 2, "te") == 0 ? 1 : -1;
@@ -262,7 +264,7 @@ TEST(FaultyAccessor, ChecksItsSettings)
             FaultyBoard board({});
             EXPECT_EQ(board.StartWith(wraps == "itself" ? board.accessor : wraps, list), 0);
             EXPECT_EQ(board.Open("C"), status);
-            EXPECT_EQ(IsModuleLoaded(board.accessor), status == 0);
+            EXPECT_EQ(Module_IsLoaded(board.accessor), status == 0);
         }
 }
 
@@ -276,7 +278,7 @@ TEST(FaultyAccessor, LetsAModuleStayThatRefusesToClose)
         EXPECT_EQ(board.Load(), code);
         EXPECT_EQ(board.Load(), 0);
         board.Clear();
-        EXPECT_TRUE(IsModuleLoaded(module) && IsModuleLoaded(board.accessor));
+        EXPECT_TRUE(Module_IsLoaded(module) && Module_IsLoaded(board.accessor));
     }
 }
 

@@ -1,5 +1,4 @@
 // The accessor for boards in a file, driven as a client drives it.
-#include <dlfcn.h>
 #include <filesystem>
 
 #include "tests/support/board.h"
@@ -46,7 +45,7 @@ struct Rig : Desk {
     ~Rig()
     {
         Clear();
-        EXPECT_EQ(IsModuleLoaded(module), previous != nullptr);
+        EXPECT_EQ(Module_IsLoaded(module), previous != nullptr);
     }
     // Puts a table of these registers in the place of the one that was loaded.
     void Put(const std::string &registers) const
@@ -178,18 +177,16 @@ TEST(ImageAccessor, RefusesAnImageThatShrankDuringASession)
         Rig rig;
         ASSERT_EQ(rig.Open("A") + rig.Load(1), 0);
         rig.Put(Edited(values, "7f", "1"));
-        void *loaded = dlopen((module + ".so").c_str(), RTLD_NOW | RTLD_NOLOAD);
-        ASSERT_NE(loaded, nullptr);
-        const auto open = reinterpret_cast<decltype(&Cfg_CreateSession)>(dlsym(loaded, "Cfg_CreateSession"));
-        const auto write = reinterpret_cast<decltype(&Cfg_Write)>(dlsym(loaded, "Cfg_Write"));
-        const auto close = reinterpret_cast<decltype(&Cfg_CloseSession)>(dlsym(loaded, "Cfg_CloseSession"));
+        const HeldModule held(module);
+        const auto open = reinterpret_cast<decltype(&Cfg_CreateSession)>(held.Find("Cfg_CreateSession"));
+        const auto write = reinterpret_cast<decltype(&Cfg_Write)>(held.Find("Cfg_Write"));
+        const auto close = reinterpret_cast<decltype(&Cfg_CloseSession)>(held.Find("Cfg_CloseSession"));
 
         VelkWord session = 0;
         ASSERT_EQ(open(1, 0, &session), 0);
         std::filesystem::resize_file(rig.directory.Path("board.img"), static_cast<uintmax_t>(size));
         EXPECT_EQ(write(session, TableOf(rig.config)), status);
         close(session);
-        dlclose(loaded);
         EXPECT_EQ(rig.directory.Read("board.img"), imageBytes.substr(0, static_cast<size_t>(size)));
     }
 }
@@ -240,7 +237,7 @@ TEST(ImageAccessor, KeepsToItsImageWhereverTheProcessGoes)
     VelkCloseConfigEngine(std::exchange(rig.engine, nullptr));
     const std::filesystem::path path = rig.directory.path;
     std::filesystem::current_path(path.parent_path());
-    EXPECT_EQ(VelkInitializeConfigEngine(path.filename().c_str(), &rig.engine), 0);
+    EXPECT_EQ(VelkInitializeConfigEngine(path.filename().string().c_str(), &rig.engine), 0);
     EXPECT_EQ(rig.Open("A"), 0);
     std::filesystem::current_path("/");
     EXPECT_EQ(rig.Load(1), 0);
@@ -254,7 +251,7 @@ TEST(ImageAccessor, OutlivesAClassLoadThatFailsLate)
     for (const char *name : {"A", "B"}) {
         rig.directory.Write("options.ini", "[Keyless]\n");
         EXPECT_EQ(rig.Open(name), -206);
-        EXPECT_EQ(IsModuleLoaded(module), *name == 'B') << "nobody else holds it";
+        EXPECT_EQ(Module_IsLoaded(module), *name == 'B') << "nobody else holds it";
         rig.directory.Write("options.ini", "");
         EXPECT_EQ(rig.Open(name), 0) << "the settings left behind are the same";
     }

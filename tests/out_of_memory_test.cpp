@@ -64,8 +64,8 @@ struct Bed : Board {
     [[nodiscard]] std::string Observe() const
     {
         std::ostringstream seen;
-        seen << (engine != nullptr) << IsModuleLoaded(VELK_TEST_MODULE_DIR "/scripted_accessor")
-             << IsModuleLoaded(VELK_TEST_MODULE_DIR "/velkimage");
+        seen << (engine != nullptr) << Module_IsLoaded(VELK_TEST_MODULE_DIR "/scripted_accessor")
+             << Module_IsLoaded(VELK_TEST_MODULE_DIR "/velkimage");
         for (Config *one : {config, copy}) // what a failed read left does not count
             seen << (one == nullptr                 ? " none "
                      : VelkIsConfigLoaded(one) == 1 ? " loaded " + Table_Text(TableOf(one)) + " "

@@ -1,8 +1,6 @@
 // What the head of velk32.h lets run at the same time runs so: engines of one's own, configurations of a
 // class that all threads share, a class load beside them. Nothing orders the threads but their start, so
 // that the thread sanitizer sees what does not hold.
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -10,6 +8,7 @@
 #include <deque>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <thread>
 
 #include "tests/support/board.h"
@@ -195,8 +194,10 @@ TEST(Threads, LoadAndUnloadOneModule)
 {
     Desk common;
     ASSERT_EQ(StartSample(common), 0);
-    const bool isHeld = dlsym(RTLD_DEFAULT, "__tsan_init") != nullptr;
-    void *const held = isHeld ? dlopen((module + ".so").c_str(), RTLD_NOW) : nullptr;
+    const bool isHeld = System_HasSanitizer("tsan");
+    std::optional<HeldModule> held;
+    if (isHeld)
+        held.emplace(module);
     std::atomic<uint32_t> unloads{0};
     const auto work = [&](uint32_t n) {
         ConfigEngine *engine;
@@ -206,11 +207,9 @@ TEST(Threads, LoadAndUnloadOneModule)
         EXPECT_EQ(VelkLoadCurrentConfig(config, n, n), 0);
         VelkCloseConfigEngine(engine);
         VelkDiscardConfig(config);
-        unloads.fetch_add(IsModuleLoaded(module) ? 0 : 1, relaxed);
+        unloads.fetch_add(Module_IsLoaded(module) ? 0 : 1, relaxed);
     };
     RunThreads(work, [&] { return !isHeld && unloads.load(relaxed) < 20; });
     std::cout << "measured: " << unloads << " times seen unloaded\n";
     EXPECT_EQ(unloads == 0, isHeld);
-    if (isHeld)
-        dlclose(held);
 }

@@ -14,7 +14,7 @@ struct Sample : Desk {
     Sample()
     {
         std::filesystem::copy(sample, directory.path);
-        EXPECT_EQ(Start(Edited(ReadFile(sample / "CfgClass.ini"), "velkimage\n",
+        EXPECT_EQ(Start(Edited(ReadFile((sample / "CfgClass.ini").string()), "velkimage\n",
                                VELK_TEST_MODULE_DIR "/velkimage\n")),
                   0);
         EXPECT_EQ(Open("VxiDevice"), 0);
@@ -106,7 +106,7 @@ TEST(VxiExample, ListsAndTextsReachTheirDeviceAndNoOther)
         EXPECT_EQ(vxi.Run("Label='SCOPE TriggerLines=(4"), "0 0");
         ASSERT_EQ(vxi.Save(address), 0);
     }
-    std::string expected = ReadFile(sample / "mainframe.img");
+    std::string expected = ReadFile((sample / "mainframe.img").string());
     for (const size_t address : {8U, 192U})
         expected.replace(address * 64 + 0x10, 16, {"SCOPE\0\0\0\0\0\0\0\0\0\0\0", 16});
     expected.replace(8 * 64 + 0x20, 3, {"\1\4\0", 3});

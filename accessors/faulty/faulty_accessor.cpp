@@ -2,16 +2,15 @@
 // settings are described in docs/faulty-accessor.md. Any thread may call where the wrapped module allows it.
 #include "accessors/faulty/fault_plan.h"
 #include "platform/accessor.h"
+#include "platform/lock.h"
 
 #include <atomic>
-#include <mutex>
-#include <shared_mutex>
 
 // What all classes of this module have in common, since sessions do not tell their class: one wrapped module
 // and one plan, from the first class that is initialised up to the close of the last. A class load that
 // fails late is never closed; what it shares then stays until the module unloads.
 struct Sharing {
-    std::shared_mutex lock;    // of what comes and goes with classes
+    Lock lock;                 // of what comes and goes with classes
     FaultPlan *plan = nullptr; // null: there is no class
     Accessor wrapped = {};
     uint32_t classes = 0;         // initialised, and not closed
@@ -97,7 +96,7 @@ VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_InitializeAccessor(ConfigClass *con
     StatusCode status = FaultPlan_Read(configClass, &plan);
     if (status < 0)
         return status;
-    const std::lock_guard guard(sharing.lock);
+    const LockGuard guard(&sharing.lock);
     status = sharing.plan == nullptr ? Sharing_Begin(plan) : Sharing_Join(plan);
     if (status == 0)
         status = Sharing_Call(EntryInitializeAccessor, nullptr, sharing.wrapped.initializeAccessor,
@@ -118,7 +117,7 @@ static StatusCode Wrapped_Close()
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_CloseAccessor(void)
 {
-    const std::lock_guard guard(sharing.lock);
+    const LockGuard guard(&sharing.lock);
     const StatusCode status = Sharing_Call(EntryCloseAccessor, nullptr, Wrapped_Close);
     if (--sharing.classes == 0)
         Sharing_End();

@@ -31,6 +31,8 @@ static StatusCode OpenStatus_ToStatus(FileStatus status)
         return StatusNoPrivilege;
     case FileFailed:
         return StatusHardwareInitFailed;
+    case FileNoMemory:
+        return StatusOutOfMemory;
     }
     return StatusInternalError;
 }

@@ -1,10 +1,9 @@
 #include "accessors/image/image_units.h"
 
-#include <mutex>
-#include <shared_mutex>
+#include "platform/lock.h"
 
 struct UnitChain {
-    std::shared_mutex lock;
+    Lock lock;
     ImageMap *first = nullptr;
 };
 
@@ -33,7 +32,7 @@ static const ImageMap *UnitChain_Find(uint32_t unit)
 
 StatusCode ImageUnits_Add(ImageMap *map)
 {
-    const std::lock_guard guard(units.lock);
+    const LockGuard guard(&units.lock);
     const ImageMap *present = UnitChain_Find(map->unit);
     if (present == nullptr) {
         map->next = units.first;
@@ -47,6 +46,6 @@ StatusCode ImageUnits_Add(ImageMap *map)
 
 const ImageMap *ImageUnits_Find(uint32_t unit)
 {
-    const std::lock_guard guard(units.lock);
+    const LockGuard guard(&units.lock);
     return UnitChain_Find(unit);
 }

@@ -1,8 +1,6 @@
 // The syntax of profile files and the store behind it, which clients see only through definition files.
 #include "tests/inner/profile_handle.h"
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <optional>
 
@@ -63,7 +61,7 @@ TEST(Profile, IsEmptyAfterARefusalAndTellsItsLine)
 
     const Directory directory;
     directory.Write("sparse", "");
-    std::filesystem::resize_file(directory.Path("sparse"), uintmax_t{1} << 40);
+    File_Extend(directory.Path("sparse"), int64_t{1} << 40);
     for (const std::string &path :
          {directory.Path("absent"), directory.path, directory.Path("sparse"), "/dev/zero"s}) {
         SCOPED_TRACE(path);
@@ -77,15 +75,10 @@ TEST(Profile, IsEmptyAfterARefusalAndTellsItsLine)
 // Nothing tells how long what comes through it is.
 TEST(Profile, ReadsAPipe)
 {
-    const std::string text = "[s]\n" + Items(3000);
-    int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
-    ASSERT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
-    close(ends[1]);
+    const TextPipe pipe("[s]\n" + Items(3000));
     const Handle file;
-    EXPECT_EQ(IniReadFromFile(file.profile, ("/dev/fd/" + std::to_string(ends[0])).c_str()), 0);
+    EXPECT_EQ(IniReadFromFile(file.profile, pipe.path.c_str()), 0);
     EXPECT_EQ(IniNumberOfItems(file.profile, "s"), 3000);
-    close(ends[0]);
 }
 
 // Every text of up to three of the bytes that mean something, and every byte.

@@ -1,12 +1,11 @@
 #include "tests/support/board.h"
 
-#include <dlfcn.h>
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
+
+using namespace std::string_literals;
 
 Script *script;
 
@@ -98,13 +97,14 @@ std::string ReadFile(const std::string &path)
     return (std::ostringstream() << std::ifstream(path, std::ios::binary).rdbuf()).str();
 }
 
-Directory::Directory() : path(mkdtemp((testing::TempDir() + "velk-XXXXXX").data()))
+Directory::Directory() : path(System_MakeDirectory())
 {
 }
 
 Directory::~Directory()
 {
-    std::filesystem::remove_all(path);
+    std::error_code error; // a module that refuses to be closed may hold its file
+    std::filesystem::remove_all(path, error);
 }
 
 void Directory::Write(const std::string &name, const std::string &bytes) const
@@ -116,7 +116,7 @@ std::string Names(const Directory &directory)
 {
     std::set<std::string> names;
     for (const auto &entry : std::filesystem::directory_iterator(directory.path))
-        names.insert(entry.path().filename());
+        names.insert(entry.path().filename().string());
     std::string text;
     for (const std::string &name : names)
         text += name + " ";
@@ -125,11 +125,11 @@ std::string Names(const Directory &directory)
 
 std::string Directory::Module(const std::string &name, const std::string &missing) const
 {
-    std::string bytes = ReadFile(VELK_TEST_MODULE_DIR "/scripted_accessor.so");
+    std::string bytes = ReadFile(VELK_TEST_MODULE_DIR "/scripted_accessor"s + moduleSuffix);
     const std::string symbol = '\0' + missing + '\0';
     for (size_t at = 0; !missing.empty() && (at = bytes.find(symbol, at)) != std::string::npos;)
         bytes[at + 1] = '?';
-    Write(name + ".so", bytes);
+    Write(name + moduleSuffix, bytes);
     return Path(name);
 }
 
@@ -173,12 +173,6 @@ std::string Table_Text(const VRegTable *table)
                 ValueText(KindOf(reg.id), reg.value);
     }
     return text;
-}
-
-bool IsModuleLoaded(const std::string &module)
-{
-    void *const loaded = dlopen((module + ".so").c_str(), RTLD_LAZY | RTLD_NOLOAD);
-    return loaded != nullptr && dlclose(loaded) == 0;
 }
 
 std::string Edited(std::string text, const std::string &what, const std::string &by)

@@ -16,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/allocations.h"
+#include "tests/support/system.h"
 #include "velk32.h"
 
 std::string ReadFile(const std::string &path);
@@ -71,8 +72,6 @@ inline VRegTable *&TableOf(Config *config)
 {
     return *reinterpret_cast<VRegTable **>(config);
 }
-
-bool IsModuleLoaded(const std::string &module);
 
 // `text` with `what`, which has to be there, replaced.
 std::string Edited(std::string text, const std::string &what, const std::string &by);
