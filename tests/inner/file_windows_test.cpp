@@ -109,8 +109,7 @@ TEST(FileOnWindows, WhatMayNotBeReplacedStays)
     // Wine lets root write to such a file, Windows nobody.
     HANDLE writable = Hold(path, GENERIC_WRITE, 0, OPEN_EXISTING);
     CloseHandle(writable);
-    if (writable == INVALID_HANDLE_VALUE)
-        EXPECT_EQ(Replace(path, "new"), FileDenied);
+    EXPECT_TRUE(writable != INVALID_HANDLE_VALUE || Replace(path, "new") == FileDenied);
     EXPECT_TRUE(SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_HIDDEN));
 
     // Held by another program, which lets others read; then by one that lets them do all but that.
