@@ -11,6 +11,7 @@ endif()
 # What was promised to programs is still there, as debug information shows it. The sizes of records are
 # asserted everywhere.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64"
+        AND NOT VELK_BUILD_GTEST
         AND CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo" AND NOT VELK_SANITIZERS)
     add_test(NAME abi
         COMMAND "${PROJECT_SOURCE_DIR}/tests/abi/check" "${PROJECT_SOURCE_DIR}" "${PROJECT_BINARY_DIR}")
@@ -48,8 +49,9 @@ if(VELK_BUILD_EXAMPLES)
     endif()
 endif()
 
-# Not with sanitizers: a client built without them cannot load a library built with them.
-if(NOT VELK_SANITIZERS)
+# Not with sanitizers: a client built without them cannot load a library built with them. Nor, here and below,
+# what is for another machine: this one's programs cannot load it.
+if(NOT VELK_SANITIZERS AND NOT VELK_BUILD_GTEST)
     add_test(NAME packages
         COMMAND "${PROJECT_SOURCE_DIR}/tests/packages/check"
             "${CMAKE_COMMAND}" "${PROJECT_BINARY_DIR}" "${CMAKE_C_COMPILER}")
@@ -57,7 +59,7 @@ endif()
 
 # The documents show what the files in them, the library and the commands really say and do. The library is
 # loaded into the interpreter, which a sanitizer would not have.
-if(VELK_BUILD_EXAMPLES AND NOT VELK_SANITIZERS)
+if(VELK_BUILD_EXAMPLES AND NOT VELK_SANITIZERS AND NOT VELK_BUILD_GTEST)
     add_test(NAME docs
         COMMAND "${PROJECT_SOURCE_DIR}/tests/docs/check" "${PROJECT_SOURCE_DIR}" "${PROJECT_BINARY_DIR}")
 endif()

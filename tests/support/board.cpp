@@ -40,7 +40,7 @@ int32_t KindOf(uint32_t id)
 VelkWord ValueFromText(int32_t kind, const std::string &text)
 {
     if (kind == ValueKindNumber)
-        return std::stoull(text, nullptr, 16);
+        return static_cast<VelkWord>(std::stoull(text, nullptr, 16));
     if (text == "-")
         return 0;
     if (kind == ValueKindString)
