@@ -3,9 +3,15 @@ include(CMakePackageConfigHelpers)
 
 set(packageDir "${CMAKE_INSTALL_LIBDIR}/cmake/velk32")
 set(accessorDir "${CMAKE_INSTALL_LIBDIR}/velk")
+if(WIN32)
+    set(accessorDir "${CMAKE_INSTALL_BINDIR}") # beside the library
+endif()
 
 install(FILES include/velk32.h include/velk32_accessor.h DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
-install(TARGETS velk32 EXPORT velk32Targets LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(TARGETS velk32 EXPORT velk32Targets
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 install(TARGETS velkimage velkfaulty LIBRARY DESTINATION "${accessorDir}")
 
 install(EXPORT velk32Targets NAMESPACE velk32:: DESTINATION "${packageDir}")
