@@ -30,6 +30,9 @@ void File_Close(File file);
 // failure.
 int64_t File_Size(File file);
 
+// What stands between a directory and a name.
+extern const char FileSeparator;
+
 // The path of a file in a directory, in a block of its own that the caller frees; null when memory runs
 // out.
 char *File_PathIn(const char *directory, const char *name);

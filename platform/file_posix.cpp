@@ -15,6 +15,8 @@
 
 static_assert(sizeof(off_t) == 8, "files over 2 GiB need 64-bit offsets");
 
+const char FileSeparator = '/';
+
 constexpr int MostLinks = 40;
 constexpr mode_t PermissionBits = 0777;
 
@@ -360,19 +362,6 @@ static FileStatus Path_Replace(const char *path, bool exists, const void *bytes,
     }
     free(resolved);
     return status;
-}
-
-char *File_PathIn(const char *directory, const char *name)
-{
-    const size_t length = strlen(directory);
-    const size_t nameSize = strlen(name) + 1;
-    auto *path = static_cast<char *>(malloc(length + 1 + nameSize));
-    if (path == nullptr)
-        return nullptr;
-    memcpy(path, directory, length);
-    path[length] = '/';
-    memcpy(path + length + 1, name, nameSize);
-    return path;
 }
 
 // In a block of its own, or null.

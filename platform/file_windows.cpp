@@ -11,6 +11,8 @@
 
 #include <windows.h>
 
+const char FileSeparator = '\\';
+
 constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 // A path of as many characters needs the long form; the names of new files beside it fit below that too.
@@ -423,19 +425,6 @@ FileStatus File_Replace(const char *path, const void *bytes, size_t size)
         CloseHandle(target.old);
     free(target.path);
     return status;
-}
-
-char *File_PathIn(const char *directory, const char *name)
-{
-    const size_t length = strlen(directory);
-    const size_t nameSize = strlen(name) + 1;
-    auto *path = static_cast<char *>(malloc(length + 1 + nameSize));
-    if (path == nullptr)
-        return nullptr;
-    memcpy(path, directory, length);
-    path[length] = '\\';
-    memcpy(path + length + 1, name, nameSize);
-    return path;
 }
 
 static bool Name_IsAbsolute(const char *name)
