@@ -89,35 +89,53 @@ static wchar_t *Wide_Join(const wchar_t *text, size_t length, const wchar_t *mor
     return joined;
 }
 
-static wchar_t *Wide_FromText(const char *text)
+// Bytes that mean nothing in the code page name no file.
+static FileStatus Wide_FromText(const char *text, wchar_t **wide)
 {
-    const int size = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
-    wchar_t *wide = size < 1 ? nullptr : Wide_New(static_cast<size_t>(size));
-    if (wide != nullptr)
-        MultiByteToWideChar(CP_ACP, 0, text, -1, wide, size);
-    return wide;
+    const int size = MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, text, -1, nullptr, 0);
+    if (size < 1)
+        return FileMissing;
+    *wide = Wide_New(static_cast<size_t>(size));
+    if (*wide == nullptr)
+        return FileNoMemory;
+    MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, text, -1, *wide, size);
+    return FileDone;
+}
+
+// Whether a text stands for just these characters: those that the code page lacks become others.
+static bool Text_StandsFor(const char *text, const wchar_t *wide)
+{
+    wchar_t *again;
+    if (Wide_FromText(text, &again) != FileDone)
+        return false;
+    const bool stands = wcscmp(again, wide) == 0;
+    free(again);
+    return stands;
 }
 
 // Null when memory runs out, or when a character does not stand in the code page.
 static char *Text_FromWide(const wchar_t *wide)
 {
-    BOOL isLost = FALSE;
-    const int size =
-        WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide, -1, nullptr, 0, nullptr, &isLost);
-    char *text = size < 1 || isLost ? nullptr : static_cast<char *>(malloc(static_cast<size_t>(size)));
-    if (text != nullptr)
-        WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide, -1, text, size, nullptr, nullptr);
-    return text;
+    const int size = WideCharToMultiByte(CP_ACP, 0, wide, -1, nullptr, 0, nullptr, nullptr);
+    char *text = size < 1 ? nullptr : static_cast<char *>(malloc(static_cast<size_t>(size)));
+    if (text == nullptr)
+        return nullptr;
+    WideCharToMultiByte(CP_ACP, 0, wide, -1, text, size, nullptr, nullptr);
+    if (Text_StandsFor(text, wide))
+        return text;
+    free(text);
+    return nullptr;
 }
 
 // The absolute form of a path, in a block of its own.
 static FileStatus Path_MakeAbsolute(const char *path, wchar_t **absolute)
 {
-    wchar_t *wide = Wide_FromText(path);
-    if (wide == nullptr)
-        return FileNoMemory;
+    wchar_t *wide;
+    FileStatus status = Wide_FromText(path, &wide);
+    if (status != FileDone)
+        return status;
     const DWORD size = GetFullPathNameW(wide, 0, nullptr, nullptr);
-    FileStatus status = size == 0 ? Status_OfLastCall() : FileNoMemory;
+    status = size == 0 ? Status_OfLastCall() : FileNoMemory;
     *absolute = size == 0 ? nullptr : Wide_New(size);
     if (*absolute != nullptr) {
         // It grows only if another thread changes the working directory meanwhile.
@@ -405,7 +423,8 @@ static FileStatus Target_WriteOver(Target *target, const void *bytes, size_t siz
 // it leads to.
 static FileStatus Target_Make(Target *target, const void *bytes, size_t size)
 {
-    if (GetFileAttributesW(target->path) != INVALID_FILE_ATTRIBUTES)
+    const DWORD found = GetFileAttributesW(target->path);
+    if (found != INVALID_FILE_ATTRIBUTES && (found & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
         return FileFailed;
     return Target_Replace(target, bytes, size);
 }

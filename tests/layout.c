@@ -4,7 +4,7 @@
 
 #include <stddef.h>
 
-#define IS(narrow, wide) (sizeof(void *) == 8 ? (wide) : (narrow))
+#define IS(narrow, wide) ((narrow) + (sizeof(void *) == 8) * ((wide) - (narrow)))
 #define SIZE(type, narrow, wide) _Static_assert(sizeof(type) == IS(narrow, wide), #type)
 #define PLACE(record, field, narrow, wide)                                                                   \
     _Static_assert(offsetof(record, field) == IS(narrow, wide), #record "." #field)
