@@ -5,6 +5,8 @@
 // is no exact match without regard to ASCII case, the first in file order winning. Reading takes time
 // in proportion to the text, look-ups by name and by number take constant time on average.
 //
+// Where duplicates are checked, look-ups change nothing, so that threads may share a handle that is read.
+//
 // Every text handed out stays at its address, writable and its own, until IniDispose: across puts,
 // replacements and further reads, failed ones included. A receiver that changes a name should not rely
 // on finding it any more, under either text.
