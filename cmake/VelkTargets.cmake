@@ -113,8 +113,10 @@ function(velk_add_accessor target library directory name)
             LIBRARY_OUTPUT_DIRECTORY "${directory}")
         return()
     endif()
-    target_link_options(${target} PRIVATE -Wl,--as-needed)
+    set(map "${PROJECT_SOURCE_DIR}/platform/accessor.map")
+    target_link_options(${target} PRIVATE -Wl,--as-needed "-Wl,--version-script=${map}")
     set_target_properties(${target} PROPERTIES
+        LINK_DEPENDS "${map}"
         LIBRARY_OUTPUT_DIRECTORY "${directory}/velk"
         BUILD_WITH_INSTALL_RPATH ON
         INSTALL_RPATH "$ORIGIN/..")
