@@ -123,7 +123,7 @@ StatusCode Number_Parse(const char *text, int32_t base, uint32_t *value)
     uint64_t number = 0;
     for (uint32_t digit; (digit = DigitValue(*text)) < radix; ++text) {
         number = number * radix + digit;
-        if (number > UINT32_MAX) [[unlikely]]
+        if (number > UINT32_MAX)
             number = UINT32_MAX;
     }
     const auto word = static_cast<uint32_t>(number);
