@@ -4,6 +4,12 @@
 #include <cstdlib>
 #include <cstring>
 
+// Two separators at the start would make the name that of a server, on some systems.
+static bool Path_IsRoot(const char *path)
+{
+    return *path != '\0' && path[1] == '\0' && strchr(FileSeparators, *path) != nullptr;
+}
+
 char *File_PathIn(const char *directory, const char *name)
 {
     const size_t length = strlen(directory);
@@ -12,7 +18,9 @@ char *File_PathIn(const char *directory, const char *name)
     if (path == nullptr)
         return nullptr;
     memcpy(path, directory, length);
-    path[length] = FileSeparator;
-    memcpy(path + length + 1, name, nameSize);
+    char *end = path + length;
+    if (!Path_IsRoot(directory))
+        *end++ = FileSeparators[0];
+    memcpy(end, name, nameSize);
     return path;
 }

@@ -30,8 +30,8 @@ void File_Close(File file);
 // failure.
 int64_t File_Size(File file);
 
-// What stands between a directory and a name.
-extern const char FileSeparator;
+// What may stand between a directory and a name. The first does in the paths that are composed.
+extern const char FileSeparators[];
 
 // The path of a file in a directory, in a block of its own that the caller frees; null when memory runs
 // out.
@@ -62,6 +62,9 @@ FileStatus File_Flush(File file);
 // give them; a group that is another gets no more than others had. A new file has 0666 less the umask.
 // A symbolic link is followed, one to nothing too. What is no regular file (a pipe, a terminal) is
 // written in place. What a process that died in here has left in the directory is removed.
+//
+// On Windows the access list stands for owner, group and permission bits, a link to nothing is refused, and
+// so may be a file that another program has open.
 FileStatus File_Replace(const char *path, const void *bytes, size_t size);
 
 #endif

@@ -15,7 +15,7 @@
 
 static_assert(sizeof(off_t) == 8, "files over 2 GiB need 64-bit offsets");
 
-const char FileSeparator = '/';
+const char FileSeparators[] = "/";
 
 constexpr int MostLinks = 40;
 constexpr mode_t PermissionBits = 0777;

@@ -11,7 +11,7 @@
 
 #include <windows.h>
 
-const char FileSeparator = '\\';
+const char FileSeparators[] = "\\/";
 
 constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
@@ -131,6 +131,7 @@ static char *Text_FromWide(const wchar_t *wide)
 static FileStatus Path_MakeAbsolute(const char *path, wchar_t **absolute)
 {
     wchar_t *wide;
+    *absolute = nullptr;
     FileStatus status = Wide_FromText(path, &wide);
     if (status != FileDone)
         return status;
@@ -312,11 +313,14 @@ static DWORD Target_Attributes(const Target &target)
 // be read and renamed.
 static FileStatus NewFile_Make(const Target &target, const Neighbour &place, NewFile *file)
 {
+    // A shared directory may grant all but the change of access lists, which a file without an old one needs
+    // not.
+    const DWORD access = GENERIC_WRITE | DELETE | (target.old != INVALID_HANDLE_VALUE ? WRITE_DAC : 0);
     file->path = place.path;
     for (int attempt = 0; attempt < NewFileAttempts; ++attempt) {
         NewFile_Name(place.name, attempt);
-        file->handle = CreateFileW(file->path, GENERIC_WRITE | WRITE_DAC, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                                   nullptr, CREATE_NEW, Target_Attributes(target), nullptr);
+        file->handle = CreateFileW(file->path, access, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                   CREATE_NEW, Target_Attributes(target), nullptr);
         if (file->handle != INVALID_HANDLE_VALUE)
             return FileDone;
         if (GetLastError() != ERROR_FILE_EXISTS)
@@ -325,16 +329,12 @@ static FileStatus NewFile_Make(const Target &target, const Neighbour &place, New
     return FileFailed;
 }
 
-// The old file is closed ahead of the rename, which an open one would refuse.
-static FileStatus NewFile_TakeName(const NewFile &file, Target *target)
+static FileStatus NewFile_TakeName(const NewFile &file, const Target &target)
 {
-    if (target->old != INVALID_HANDLE_VALUE)
-        CloseHandle(target->old);
-    target->old = INVALID_HANDLE_VALUE;
     constexpr DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
     DWORD error = 0;
     for (int attempt = 0; attempt < BusyAttempts; ++attempt) {
-        if (MoveFileExW(file.path, target->path, flags) != 0)
+        if (MoveFileExW(file.path, target.path, flags) != 0)
             return FileDone;
         error = GetLastError();
         if (error != ERROR_ACCESS_DENIED && !Error_IsOfBusyFile(error))
@@ -344,16 +344,34 @@ static FileStatus NewFile_TakeName(const NewFile &file, Target *target)
     return Status_FromError(error);
 }
 
+// The old file is closed as soon as it has told its access list: an open one would refuse the rename, also
+// that of another save, which does not wait for as long as a flush may take.
+static FileStatus NewFile_TakeAccess(const NewFile &file, Target *target)
+{
+    if (target->old == INVALID_HANDLE_VALUE)
+        return FileDone;
+    const FileStatus status = Handle_TakeAccess(file.handle, target->old);
+    CloseHandle(target->old);
+    target->old = INVALID_HANDLE_VALUE;
+    return status;
+}
+
 static FileStatus NewFile_Complete(const NewFile &file, Target *target, const void *bytes, size_t size)
 {
-    FileStatus status = FileDone;
-    if (target->old != INVALID_HANDLE_VALUE)
-        status = Handle_TakeAccess(file.handle, target->old);
+    FileStatus status = NewFile_TakeAccess(file, target);
     if (status == FileDone)
         status = Handle_Write(file.handle, bytes, size);
     if (status == FileDone)
         status = Handle_Flush(file.handle);
-    return status == FileDone ? NewFile_TakeName(file, target) : status;
+    return status == FileDone ? NewFile_TakeName(file, *target) : status;
+}
+
+// By its handle: the access list that it has taken may not grant this by its name.
+static void NewFile_Remove(const NewFile &file)
+{
+    FILE_DISPOSITION_INFO removal = {};
+    removal.DeleteFile = TRUE;
+    SetFileInformationByHandle(file.handle, FileDispositionInfo, &removal, sizeof removal);
 }
 
 static FileStatus Neighbour_Replace(const Neighbour &place, Target *target, const void *bytes, size_t size)
@@ -365,7 +383,7 @@ static FileStatus Neighbour_Replace(const Neighbour &place, Target *target, cons
         return status;
     status = NewFile_Complete(file, target, bytes, size);
     if (status != FileDone)
-        DeleteFileW(file.path);
+        NewFile_Remove(file);
     CloseHandle(file.handle);
     return status;
 }
@@ -402,7 +420,8 @@ static FileStatus Target_Resolve(Target *target)
     wchar_t *path = Wide_New(size);
     if (path == nullptr)
         return FileNoMemory;
-    if (GetFinalPathNameByHandleW(target->old, path, size, FILE_NAME_NORMALIZED) >= size) {
+    const DWORD length = GetFinalPathNameByHandleW(target->old, path, size, FILE_NAME_NORMALIZED);
+    if (length == 0 || length >= size) {
         free(path);
         return FileFailed;
     }
@@ -423,8 +442,9 @@ static FileStatus Target_WriteOver(Target *target, const void *bytes, size_t siz
 // it leads to.
 static FileStatus Target_Make(Target *target, const void *bytes, size_t size)
 {
+    constexpr DWORD refused = FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY;
     const DWORD found = GetFileAttributesW(target->path);
-    if (found != INVALID_FILE_ATTRIBUTES && (found & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+    if (found != INVALID_FILE_ATTRIBUTES && (found & refused) != 0)
         return FileFailed;
     return Target_Replace(target, bytes, size);
 }
