@@ -125,6 +125,10 @@ TEST(File, ReplaceWritesAPipeInPlace)
 
 TEST(File, AbsolutePathsAreAsLongAsTheyHaveToBe)
 {
+    for (const auto &[in, composed] : {std::pair{"/", "/a"}, {"b", "b/a"}, {"/b", "/b/a"}, {"", "/a"}}) {
+        const std::unique_ptr<char, decltype(&free)> path{File_PathIn(in, "a"), free};
+        EXPECT_STREQ(path.get(), composed);
+    }
     const Directory directory;
     const auto start = std::filesystem::current_path();
     const std::filesystem::path deep =

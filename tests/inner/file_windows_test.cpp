@@ -64,6 +64,11 @@ TEST(FileOnWindows, EveryFormOfAPathLeadsToTheFile)
     }
     EXPECT_EQ(Split(Names(directory), ' ').size(), 1U);
 
+    for (const auto &[in, composed] : {std::pair{"/", "/a"}, {"\\", "\\a"}, {"C:", "C:\\a"}, {"", "\\a"}}) {
+        char *path = File_PathIn(in, "a");
+        EXPECT_STREQ(path, composed);
+        free(path);
+    }
     // Settings of accessors name files relative to the definition directory.
     for (const auto &[name, expected] : {std::pair{"a\\b", back + "\\defs\\a\\b"},
                                          {"..\\a/b", back + "\\a\\b"},
