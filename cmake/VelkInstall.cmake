@@ -29,6 +29,7 @@ install(FILES
 file(RELATIVE_PATH prefixFromPc
     "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 string(REGEX REPLACE "/$" "" prefixFromPc "${prefixFromPc}")
+get_target_property(linkName velk32 OUTPUT_NAME)
 configure_file(cmake/velk32.pc.in "${PROJECT_BINARY_DIR}/velk32.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/velk32.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
