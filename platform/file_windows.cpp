@@ -29,7 +29,7 @@ constexpr int BusyAttempts = 50;
 constexpr DWORD BusyPause = 10;
 
 // The attributes of an old file that a new one takes.
-constexpr DWORD KeptAttributes = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+constexpr DWORD KeptAttributes = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ENCRYPTED;
 
 // The file that is to be replaced: its absolute path, and an open handle of one that exists.
 struct Target {

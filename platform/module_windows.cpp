@@ -27,8 +27,8 @@ int32_t Module_Load(const char *name, Module *module)
     if (file == nullptr)
         return -1;
     // What a module lacks is the client's to tell, not for a box on the screen.
-    DWORD mode = 0;
-    SetThreadErrorMode(SEM_FAILCRITICALERRORS, &mode);
+    const DWORD mode = GetThreadErrorMode();
+    SetThreadErrorMode(mode | SEM_FAILCRITICALERRORS, nullptr);
     *module = LoadLibraryA(file);
     SetThreadErrorMode(mode, nullptr);
     free(file);

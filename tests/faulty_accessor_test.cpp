@@ -149,7 +149,7 @@ struct FaultyBoard : Desk {
         EXPECT_EQ(status, expected);
         EXPECT_EQ(VelkIsConfigLoaded(config), model.isLoaded);
         EXPECT_EQ(Without(Run("."), "*"), model.table);
-        EXPECT_EQ(VelkSaveToFile(config, "/dev/null", ""), model.isLoaded ? 0 : -2);
+        EXPECT_EQ(VelkSaveToFile(config, nullDevice, ""), model.isLoaded ? 0 : -2);
     }
     void TransferAll()
     {

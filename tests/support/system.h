@@ -6,6 +6,9 @@
 #include <memory>
 #include <string>
 
+// What is written to it is gone.
+extern const char nullDevice[];
+
 // What a module's file has behind the name that a catalogue gives.
 extern const char moduleSuffix[];
 

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+const char nullDevice[] = "/dev/null";
 const char moduleSuffix[] = ".so";
 const char openWithoutMemory[] = "";
 

@@ -9,6 +9,7 @@
 
 #include <psapi.h>
 
+const char nullDevice[] = "NUL";
 const char moduleSuffix[] = ".DLL";
 const char openWithoutMemory[] = "-4";
 
