@@ -10,6 +10,13 @@
 namespace
 {
 
+// Every benchmark's first argument is the number of registers in the table.
+void SetSlots(benchmark::State &state)
+{
+    state.counters["items"] = static_cast<double>(state.range(0));
+    state.counters["bytes"] = static_cast<double>(state.range(0)) * sizeof(VReg);
+}
+
 // The key, and the option over it, that stand on the last register of a table of so many slots; each
 // `textEvery`-th of these holds a text.
 struct LastSlot {
@@ -33,7 +40,7 @@ void ReadKey(benchmark::State &state)
         benchmark::DoNotOptimize(Key_Read(slot.sample.config, key, &value));
         benchmark::DoNotOptimize(value);
     }
-    state.counters["items"] = static_cast<double>(state.range(0));
+    SetSlots(state);
 }
 
 void ScanTable(benchmark::State &state)
@@ -44,7 +51,7 @@ void ScanTable(benchmark::State &state)
         benchmark::DoNotOptimize(id);
         benchmark::DoNotOptimize(Floor_Scan(slot.sample.Table(), id, 1));
     }
-    state.counters["items"] = static_cast<double>(state.range(0));
+    SetSlots(state);
 }
 
 // A class of as many keys as registers, whose names are asked for in an order that no cache foresees.
@@ -72,7 +79,7 @@ void ReadKeysByName(benchmark::State &state)
             benchmark::DoNotOptimize(VelkGetKey(sample.config, name.c_str(), &value));
             benchmark::DoNotOptimize(value);
         }
-    state.counters["items"] = static_cast<double>(state.range(0));
+    SetSlots(state);
 }
 
 void WalkAndScan(benchmark::State &state)
@@ -84,7 +91,7 @@ void WalkAndScan(benchmark::State &state)
             const void *key = Floor_FindName(&sample.config->configClass->keys, name.c_str());
             benchmark::DoNotOptimize(Floor_Scan(sample.Table(), static_cast<const KeyDef *>(key)->vregId, 1));
         }
-    state.counters["items"] = static_cast<double>(state.range(0));
+    SetSlots(state);
 }
 
 void SetOption(benchmark::State &state)
@@ -94,7 +101,7 @@ void SetOption(benchmark::State &state)
     uint32_t value = 0;
     for ([[maybe_unused]] auto round : state)
         Require(VelkSetOption(slot.sample.config, name.c_str(), ++value % 256) == 0, "set the option");
-    state.counters["items"] = static_cast<double>(state.range(0));
+    SetSlots(state);
 }
 
 // The last four registers: the first of them has an option that the rules of the other three options test.
@@ -112,7 +119,7 @@ void SetOptionWithDependants(benchmark::State &state)
     for ([[maybe_unused]] auto round : state)
         Require(VelkSetOption(sample.config, OptionName(first).c_str(), ++value % 256) == 0,
                 "set the option");
-    state.counters["items"] = slots;
+    SetSlots(state);
 }
 
 // A copy of the table, its kinds tested and its texts copied, and so many scans.
@@ -131,7 +138,7 @@ void CopyAndScan(benchmark::State &state)
         }
         Floor_FreeSlots(slots, state.range(1) != 0 ? table->count : 0);
     }
-    state.counters["items"] = static_cast<double>(state.range(0));
+    SetSlots(state);
 }
 
 } // namespace

@@ -53,6 +53,7 @@ void SetDeviceFeature(benchmark::State &state)
     g_error_free(error);
     g_object_unref(device);
     state.counters["items"] = registerCount;
+    state.counters["bytes"] = registerCount * sizeof(VReg);
 }
 
 void SetField(benchmark::State &state)
@@ -68,6 +69,7 @@ void SetField(benchmark::State &state)
     for ([[maybe_unused]] auto round : state)
         Require(VelkSetOption(sample.config, name.c_str(), ++value % 256) == 0, "set the option");
     state.counters["items"] = registerCount;
+    state.counters["bytes"] = registerCount * sizeof(VReg);
 }
 
 } // namespace

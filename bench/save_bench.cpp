@@ -1,4 +1,5 @@
 // Save files, beside the file work that they cannot do without.
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -21,6 +22,7 @@ void SaveAndLoad(benchmark::State &state)
         Require(VelkLoadFromFile(sample.config, file.c_str(), "k") == 0, "load");
     }
     state.counters["items"] = registerCount;
+    state.counters["bytes"] = static_cast<double>(std::filesystem::file_size(file));
 }
 
 // The same bytes, written as every save is: to a new file that is flushed and takes the place of the old one.
