@@ -3,6 +3,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <type_traits>
 
 static bool IsSpace(char character)
 {
@@ -111,6 +112,17 @@ static uint32_t TakeBase(const char **text, int32_t base)
     return static_cast<uint32_t>(base);
 }
 
+// Takes digits, and gives their number, or 0xFFFFFFFF if it is larger. To know the base when this is compiled
+// is worth a third of the time of long numbers.
+template <typename Base> static uint32_t TakeDigits(const char **text, Base base)
+{
+    uint64_t number = 0;
+    for (uint32_t digit; (digit = DigitValue(**text)) < base; ++*text)
+        if (number <= UINT32_MAX)
+            number = number * base + digit;
+    return number > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(number);
+}
+
 StatusCode Number_Parse(const char *text, int32_t base, uint32_t *value)
 {
     text = Text_SkipSpace(text);
@@ -120,14 +132,9 @@ StatusCode Number_Parse(const char *text, int32_t base, uint32_t *value)
 
     const uint32_t radix = TakeBase(&text, base);
     const char *digits = text;
-    uint64_t number = 0;
-    for (uint32_t digit; (digit = DigitValue(*text)) < radix; ++text) {
-        number = number * radix + digit;
-        if (number > UINT32_MAX)
-            number = UINT32_MAX;
-    }
-    const auto word = static_cast<uint32_t>(number);
-    *value = negative ? 0 - word : word;
+    const uint32_t number =
+        radix == 16 ? TakeDigits(&text, std::integral_constant<uint32_t, 16>()) : TakeDigits(&text, radix);
+    *value = negative ? 0 - number : number;
     return text == digits ? -1 : 0;
 }
 
