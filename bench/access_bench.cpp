@@ -34,7 +34,7 @@ void ReadKey(benchmark::State &state)
 {
     const LastSlot slot(state.range(0));
     const std::string name = KeyName(slot.last);
-    const KeyDef *key = KeyTable_Find(&slot.sample.config->configClass->keys, name.c_str());
+    const KeyDef *key = KeyTable_Find(&slot.sample.config->configClass->definitions.keys, name.c_str());
     for ([[maybe_unused]] auto round : state) {
         VelkWord value;
         benchmark::DoNotOptimize(Key_Read(slot.sample.config, key, &value));
@@ -88,7 +88,7 @@ void WalkAndScan(benchmark::State &state)
     const Sample sample(keys.sections, "", Registers(static_cast<uint32_t>(state.range(0))));
     for ([[maybe_unused]] auto round : state)
         for (const std::string &name : keys.names) {
-            const void *key = Floor_FindName(&sample.config->configClass->keys, name.c_str());
+            const void *key = Floor_FindName(&sample.config->configClass->definitions.keys, name.c_str());
             benchmark::DoNotOptimize(Floor_Scan(sample.Table(), static_cast<const KeyDef *>(key)->vregId, 1));
         }
     SetSlots(state);

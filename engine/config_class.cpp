@@ -1,15 +1,7 @@
 #include "engine/config_class.h"
 
-#include "keys/key_def.h"
-#include "options/option_def.h"
-#include "platform/file.h"
-#include "values/limits.h"
+#include "keys/computed_key.h"
 #include "values/memory.h"
-#include "values/number_list.h"
-#include "values/text.h"
-
-// The longest list of definition files in the catalogue, with its terminator, in bytes.
-constexpr int32_t FileListSize = 128;
 
 // A failure leaves a module that is loaded to ConfigClass_Open.
 static StatusCode ConfigClass_LoadAccessor(ConfigClass *configClass, Profile *catalogue)
@@ -25,67 +17,6 @@ static StatusCode ConfigClass_LoadAccessor(ConfigClass *configClass, Profile *ca
     return status < 0 ? status : 0;
 }
 
-// Loads one definition file into the class.
-using FileLoader = StatusCode (*)(ConfigClass *configClass, const char *path, uint32_t *numbersLeft);
-
-// Loads the listed files in order, up to the first that fails.
-static StatusCode LoadFiles(ConfigClass *configClass, char *list, FileLoader load, uint32_t *numbersLeft)
-{
-    char *position = nullptr;
-    for (const char *name = Text_NextFileName(list, &position); name != nullptr;
-         name = Text_NextFileName(nullptr, &position)) {
-        char *path = File_PathIn(configClass->engine->directory, name);
-        if (path == nullptr)
-            return StatusOutOfMemory;
-        const StatusCode status = load(configClass, path, numbersLeft);
-        free(path);
-        if (status < 0)
-            return status;
-    }
-    return 0;
-}
-
-static StatusCode LoadKeyFile(ConfigClass *configClass, const char *path, uint32_t *numbersLeft)
-{
-    return KeyFile_Load(&configClass->keys, path, numbersLeft);
-}
-
-static StatusCode ConfigClass_LoadKeys(ConfigClass *configClass, Profile *catalogue, uint32_t *numbersLeft)
-{
-    char list[FileListSize];
-    if (IniGetStringIntoBuffer(catalogue, configClass->name, "Keys", list, sizeof list) != 1)
-        return StatusBadClass;
-    if (NameTable_Init(&configClass->keys, NameBuckets) < 0)
-        return StatusEngineOutOfMemory;
-    if (LoadFiles(configClass, list, LoadKeyFile, numbersLeft) < 0)
-        return StatusKeyLoadFailed;
-    return 0;
-}
-
-static StatusCode LoadOptionFile(ConfigClass *configClass, const char *path, uint32_t *numbersLeft)
-{
-    return OptionFile_Load(&configClass->options, path, &configClass->keys, numbersLeft);
-}
-
-static StatusCode ConfigClass_LoadOptions(ConfigClass *configClass, Profile *catalogue, uint32_t *numbersLeft)
-{
-    char list[FileListSize];
-    if (IniGetStringIntoBuffer(catalogue, configClass->name, "Options", list, sizeof list) != 1)
-        return StatusBadClass;
-    if (NameTable_Init(&configClass->options, NameBuckets) < 0)
-        return StatusEngineOutOfMemory;
-    if (LoadFiles(configClass, list, LoadOptionFile, numbersLeft) < 0)
-        return StatusOptionLoadFailed;
-    return OptionTable_Validate(&configClass->options);
-}
-
-// Both name tables may still be without buckets. Options go first, since they refer to keys.
-static void ConfigClass_ReleaseTables(ConfigClass *configClass)
-{
-    OptionTable_Free(&configClass->options);
-    KeyTable_Destroy(&configClass->keys);
-}
-
 static void ConfigClass_Delete(ConfigClass *configClass)
 {
     free(configClass->name);
@@ -99,13 +30,11 @@ static StatusCode ConfigClass_Load(ConfigClass *configClass, ConfigEngine *engin
     if (configClass->name == nullptr)
         return StatusEngineOutOfMemory;
 
-    uint32_t numbersLeft = NumberListLimit;
-    StatusCode status = ConfigClass_LoadAccessor(configClass, engine->catalogue);
-    if (status == 0)
-        status = ConfigClass_LoadKeys(configClass, engine->catalogue, &numbersLeft);
-    if (status == 0)
-        status = ConfigClass_LoadOptions(configClass, engine->catalogue, &numbersLeft);
-    return status;
+    const StatusCode status = ConfigClass_LoadAccessor(configClass, engine->catalogue);
+    if (status < 0)
+        return status;
+    const DefinitionSource source = {engine->catalogue, engine->directory, name, ComputedKey_Find};
+    return Definitions_Load(&configClass->definitions, &source);
 }
 
 static ConfigClass *FindLoaded(const ConfigEngine *engine, const char *name)
@@ -132,7 +61,7 @@ StatusCode ConfigClass_Open(ConfigEngine *engine, const char *name, ConfigClass 
     const StatusCode status = ConfigClass_Load(configClass, engine, name);
     if (status < 0) {
         // The accessor is not closed, only let go: Cfg_CloseAccessor belongs to the engine's close.
-        ConfigClass_ReleaseTables(configClass);
+        Definitions_Release(&configClass->definitions);
         if (configClass->accessor.module != nullptr)
             Module_Release(configClass->accessor.module);
         ConfigClass_Delete(configClass);
@@ -155,6 +84,6 @@ static StatusCode ConfigClass_CloseAccessor(ConfigClass *configClass)
 void ConfigClass_Close(ConfigClass *configClass)
 {
     ConfigClass_CloseAccessor(configClass); // a module that refuses stays loaded
-    ConfigClass_ReleaseTables(configClass);
+    Definitions_Release(&configClass->definitions);
     ConfigClass_Delete(configClass);
 }

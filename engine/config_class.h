@@ -2,13 +2,10 @@
 #ifndef VELK_ENGINE_CONFIG_CLASS_H
 #define VELK_ENGINE_CONFIG_CLASS_H
 
+#include "engine/definitions.h"
 #include "engine/engine.h"
 #include "platform/accessor.h"
-#include "values/name_table.h"
 #include "velk32.h"
-
-// The buckets of a class's name tables; clients see them in the order of option names.
-constexpr int32_t NameBuckets = 29;
 
 // Read-only once it is on its engine's chain. Configurations refer to it without being counted.
 struct ConfigClass {
@@ -16,8 +13,7 @@ struct ConfigClass {
     ConfigEngine *engine;
     char *name; // owned; also the name of the class's section in the catalogue
     Accessor accessor;
-    NameTable keys;    // of KeyDef
-    NameTable options; // of OptionDef, which refer to keys
+    Definitions definitions;
 };
 
 // The class of that name, exactly, of an engine; loaded if it is not yet. All or nothing. Gives 0, -201,

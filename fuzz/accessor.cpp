@@ -87,7 +87,7 @@ VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_Read(VelkWord session, Config *conf
 {
     board = seed = static_cast<uint32_t>(session);
     config->table = AllocateVRegTable(0);
-    return NameTable_ForEach(&config->configClass->keys, AddRegistersOfKey, &config->table);
+    return NameTable_ForEach(&config->configClass->definitions.keys, AddRegistersOfKey, &config->table);
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_Write(VelkWord session, VRegTable *)

@@ -106,7 +106,7 @@ static StatusCode ChangeBits(Play *play)
 static StatusCode SetKey(Play *play)
 {
     const char *name = TakeName(play);
-    const KeyDef *key = KeyTable_Find(&play->config->configClass->keys, name);
+    const KeyDef *key = KeyTable_Find(&play->config->configClass->definitions.keys, name);
     int32_t kind = ValueKindNumber;
     if (key != nullptr)
         KeyDef_GetKind(key, &kind);
@@ -196,7 +196,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         VelkNumberOfOptions(desk.config, &count);
         play.names.resize(count);
         Check(VelkGetOptionNames(desk.config, play.names.data(), count) == 0, "options that are counted");
-        NameTable_ForEach(&desk.config->configClass->keys, AddName, &play.names);
+        NameTable_ForEach(&desk.config->configClass->definitions.keys, AddName, &play.names);
         play.names.push_back("k");
         if (Bytes_Take(&play.bytes) % 16 != 0)
             LoadBoard(&play);

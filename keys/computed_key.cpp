@@ -29,7 +29,7 @@ static StatusCode ReadNeededKey(Config *config, const KeyDef *key, uint32_t *val
 
 static StatusCode ReadAddressSpace(Config *config, uint32_t *space)
 {
-    const KeyDef *key = KeyTable_Find(&config->configClass->keys, "AddressSpace");
+    const KeyDef *key = KeyTable_Find(&config->configClass->definitions.keys, "AddressSpace");
     if (key == nullptr || key->type != KeyTypeComputed)
         return ReadNeededKey(config, key, space);
 
@@ -74,7 +74,7 @@ static StatusCode VxiRequiredMemory(int32_t mode, uint32_t value, uint32_t *out,
     }
 
     if (value == AllMemory)
-        status = ReadNeededKey(config, KeyTable_Find(&config->configClass->keys, "TotalMemory"), &value);
+        status = ReadNeededKey(config, KeyTable_Find(&config->configClass->definitions.keys, "TotalMemory"), &value);
     if (status < 0)
         return status;
     *out = EncodeMemory(space, value);

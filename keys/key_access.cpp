@@ -143,7 +143,7 @@ StatusCode Key_Write(Config *config, const KeyDef *key, VelkWord value)
 // Finds a key for a client: -13 there is none; -2 the configuration has no table.
 static StatusCode FindKey(const Config *config, const char *name, const KeyDef **key)
 {
-    *key = KeyTable_Find(&config->configClass->keys, name);
+    *key = KeyTable_Find(&config->configClass->definitions.keys, name);
     if (*key == nullptr)
         return StatusUnknownKey;
     return config->table == nullptr ? StatusNotLoaded : 0;

@@ -22,6 +22,10 @@ enum ComputeMode : int32_t { ComputeRead = 0, ComputeWrite = 1 };
 // and is its result, with `out` unwritten.
 using ComputedKeyFunction = StatusCode (*)(int32_t mode, uint32_t value, uint32_t *out, Config *config);
 
+// Gives the function of a type word, or null: the word is none of a computed key. The loader of key files
+// gets it from its caller, since the functions need the engine.
+using ComputedKeyFinder = ComputedKeyFunction (*)(const char *word);
+
 // One key. Belongs to its class's key table, under its name, and is read-only once loaded.
 struct KeyDef {
     uint32_t vregId;
@@ -44,7 +48,8 @@ StatusCode KeyDef_GetKind(const KeyDef *key, int32_t *kind);
 
 // Reads a key file into a class's key table. `numbersLeft` is what number lists may still hold. Gives
 // 0, -1 or -7; the keys ahead of a failure stay in the table, which the caller then destroys.
-StatusCode KeyFile_Load(NameTable *keys, const char *path, uint32_t *numbersLeft);
+StatusCode KeyFile_Load(NameTable *keys, const char *path, ComputedKeyFinder findComputed,
+                        uint32_t *numbersLeft);
 
 // The key of that name, exactly, or null.
 const KeyDef *KeyTable_Find(const NameTable *keys, const char *name);

@@ -1,4 +1,3 @@
-#include "keys/computed_key.h"
 #include "keys/key_def.h"
 #include "platform/profile.h"
 #include "values/memory.h"
@@ -13,6 +12,14 @@ constexpr char SymbolSection[] = "VREGS";
 
 // The longest register reference with its mask, and its terminator, in bytes.
 constexpr size_t FieldTextSize = 68;
+
+// What a section is read with.
+struct KeyReader {
+    Profile *file;
+    const char *section;
+    ComputedKeyFinder findComputed;
+    uint32_t *numbersLeft;
+};
 
 StatusCode KeyDef_GetKind(const KeyDef *key, int32_t *kind)
 {
@@ -80,20 +87,20 @@ static StatusCode KeyDef_ParseVRegSpec(Profile *file, KeyDef *key, const char *t
     return Number_Parse(mask, 0, &key->mask);
 }
 
-static StatusCode ReadNumber(Profile *file, const char *section, const char *item, uint32_t *value)
+static StatusCode ReadNumber(const KeyReader *reader, const char *item, uint32_t *value)
 {
     char *text;
-    if (IniGetPointerToString(file, section, item, &text) != 1)
+    if (IniGetPointerToString(reader->file, reader->section, item, &text) != 1)
         return -1;
     return Number_Parse(text, 0, value);
 }
 
-static StatusCode KeyDef_ReadBool(KeyDef *key, Profile *file, const char *section)
+static StatusCode KeyDef_ReadBool(KeyDef *key, const KeyReader *reader)
 {
     key->type = KeyTypeBool;
-    if (ReadNumber(file, section, "FALSE", &key->encodedFalse) < 0)
+    if (ReadNumber(reader, "FALSE", &key->encodedFalse) < 0)
         return -1;
-    return ReadNumber(file, section, "TRUE", &key->encodedTrue);
+    return ReadNumber(reader, "TRUE", &key->encodedTrue);
 }
 
 static StatusCode KeyDef_AppendNumber(void *target, uint32_t value)
@@ -108,20 +115,20 @@ static StatusCode KeyDef_AppendNumber(void *target, uint32_t value)
     return 0;
 }
 
-static StatusCode KeyDef_ReadIndex(KeyDef *key, Profile *file, const char *section, uint32_t *numbersLeft)
+static StatusCode KeyDef_ReadIndex(KeyDef *key, const KeyReader *reader)
 {
     char text[DefinitionTextSize];
     key->type = KeyTypeIndex;
-    if (IniGetStringIntoBuffer(file, section, "Array", text, sizeof text) != 1)
+    if (IniGetStringIntoBuffer(reader->file, reader->section, "Array", text, sizeof text) != 1)
         return StatusBadKeyFile;
-    return NumberList_Parse(text, key, KeyDef_AppendNumber, numbersLeft);
+    return NumberList_Parse(text, key, KeyDef_AppendNumber, reader->numbersLeft);
 }
 
-static StatusCode KeyDef_ReadComputed(KeyDef *key, const char *typeWord)
+static StatusCode KeyDef_ReadComputed(KeyDef *key, const KeyReader *reader, const char *typeWord)
 {
     if (strchr(typeWord, '.') != nullptr)
         return -1; // the dot is kept for words that are more than a name
-    key->compute = ComputedKey_Find(typeWord);
+    key->compute = reader->findComputed(typeWord);
     if (key->compute == nullptr)
         return StatusBadKeyFile;
     key->type = KeyTypeComputed;
@@ -136,22 +143,21 @@ static StatusCode KeyDef_SetPayload(KeyDef *key, KeyType type)
     return 0;
 }
 
-static StatusCode KeyDef_ReadType(KeyDef *key, Profile *file, const char *section, const char *typeWord,
-                                  uint32_t *numbersLeft)
+static StatusCode KeyDef_ReadType(KeyDef *key, const KeyReader *reader, const char *typeWord)
 {
     if (Text_EqualsIgnoringCase(typeWord, "Value")) {
         key->type = KeyTypeValue;
         return 0;
     }
     if (Text_EqualsIgnoringCase(typeWord, "Bool"))
-        return KeyDef_ReadBool(key, file, section);
+        return KeyDef_ReadBool(key, reader);
     if (Text_EqualsIgnoringCase(typeWord, "Index"))
-        return KeyDef_ReadIndex(key, file, section, numbersLeft);
+        return KeyDef_ReadIndex(key, reader);
     if (Text_EqualsIgnoringCase(typeWord, "List"))
         return KeyDef_SetPayload(key, KeyTypeList);
     if (Text_EqualsIgnoringCase(typeWord, "String"))
         return KeyDef_SetPayload(key, KeyTypeString);
-    return KeyDef_ReadComputed(key, typeWord);
+    return KeyDef_ReadComputed(key, reader, typeWord);
 }
 
 // The key and its register have to be of one kind, and a field has to have a bit.
@@ -164,41 +170,42 @@ static bool KeyDef_FitsRegister(const KeyDef *key)
 }
 
 // The first item says which bits of which register, and of what type.
-static StatusCode KeyDef_Fill(KeyDef *key, Profile *file, const char *section, uint32_t *numbersLeft)
+static StatusCode KeyDef_Fill(KeyDef *key, const KeyReader *reader)
 {
     char *field;
     char *typeWord;
-    if (IniNthItemName(file, section, 1, &field) == 0)
+    if (IniNthItemName(reader->file, reader->section, 1, &field) == 0)
         return StatusBadKeyFile;
-    if (KeyDef_ParseVRegSpec(file, key, field) < 0)
+    if (KeyDef_ParseVRegSpec(reader->file, key, field) < 0)
         return StatusBadKeyFile;
-    if (IniGetPointerToString(file, section, field, &typeWord) != 1)
+    if (IniGetPointerToString(reader->file, reader->section, field, &typeWord) != 1)
         return StatusBadKeyFile;
-    if (KeyDef_ReadType(key, file, section, typeWord, numbersLeft) < 0)
+    if (KeyDef_ReadType(key, reader, typeWord) < 0)
         return StatusBadKeyFile;
     return KeyDef_FitsRegister(key) ? 0 : StatusBadKeyFile;
 }
 
 // Null for any failure.
-static KeyDef *KeyDef_ReadSection(Profile *file, const char *section, uint32_t *numbersLeft)
+static KeyDef *KeyDef_ReadSection(const KeyReader *reader)
 {
     auto *key = Memory_New<KeyDef>();
     if (key == nullptr)
         return nullptr;
-    if (KeyDef_Fill(key, file, section, numbersLeft) < 0) {
+    if (KeyDef_Fill(key, reader) < 0) {
         KeyDef_Delete(key);
         return nullptr;
     }
     return key;
 }
 
-static StatusCode LoadSections(NameTable *keys, Profile *file, uint32_t *numbersLeft)
+static StatusCode LoadSections(NameTable *keys, KeyReader *reader)
 {
     char *section;
-    for (int32_t n = 1; IniNthSectionName(file, n, &section) != 0; ++n) {
+    for (int32_t n = 1; IniNthSectionName(reader->file, n, &section) != 0; ++n) {
         if (Text_EqualsIgnoringCase(section, SymbolSection))
             continue;
-        KeyDef *key = KeyDef_ReadSection(file, section, numbersLeft);
+        reader->section = section;
+        KeyDef *key = KeyDef_ReadSection(reader);
         if (key == nullptr)
             return StatusBadKeyFile;
         if (NameTable_Insert(keys, section, key) == nullptr) {
@@ -209,7 +216,8 @@ static StatusCode LoadSections(NameTable *keys, Profile *file, uint32_t *numbers
     return 0;
 }
 
-StatusCode KeyFile_Load(NameTable *keys, const char *path, uint32_t *numbersLeft)
+StatusCode KeyFile_Load(NameTable *keys, const char *path, ComputedKeyFinder findComputed,
+                        uint32_t *numbersLeft)
 {
     Profile *file = IniNew(0);
     if (file == nullptr)
@@ -220,7 +228,8 @@ StatusCode KeyFile_Load(NameTable *keys, const char *path, uint32_t *numbersLeft
     }
     IniSortSectionList(file);
     IniSortSection(file, SymbolSection);
-    const StatusCode status = LoadSections(keys, file, numbersLeft);
+    KeyReader reader = {file, nullptr, findComputed, numbersLeft};
+    const StatusCode status = LoadSections(keys, &reader);
     IniDispose(file);
     return status;
 }

@@ -8,7 +8,7 @@
 
 StatusCode Option_Find(const Config *config, const char *name, const OptionDef **option)
 {
-    *option = OptionTable_Find(&config->configClass->options, name);
+    *option = OptionTable_Find(&config->configClass->definitions.options, name);
     return *option == nullptr ? StatusUnknownOption : 0;
 }
 
@@ -178,7 +178,7 @@ static int32_t CountOption(const NameNode * /*node*/, void *context)
 StatusCode VELK_CALL VelkNumberOfOptions(Config *config, uint32_t *count)
 {
     *count = 0;
-    return NameTable_ForEach(&config->configClass->options, CountOption, count);
+    return NameTable_ForEach(&config->configClass->definitions.options, CountOption, count);
 }
 
 // The places for names that are still free.
@@ -200,7 +200,7 @@ static int32_t StoreName(const NameNode *node, void *context)
 StatusCode VELK_CALL VelkGetOptionNames(Config *config, const char **names, uint32_t capacity)
 {
     NamePlaces places = {names, capacity};
-    return NameTable_ForEach(&config->configClass->options, StoreName, &places) < 0 ? StatusTooFewPlaces : 0;
+    return NameTable_ForEach(&config->configClass->definitions.options, StoreName, &places) < 0 ? StatusTooFewPlaces : 0;
 }
 
 StatusCode VELK_CALL VelkDataFromValueListRef(Config * /*config*/, const uint32_t *listRef, uint32_t *dest,

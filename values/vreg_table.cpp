@@ -15,9 +15,6 @@ static_assert(sizeof(VRegTable) == 8 + sizeof(VReg *) && offsetof(VRegTable, cap
 static_assert(offsetof(VRegTable, regs) == 8);
 static_assert(sizeof(VRegTable) <= sizeof(VReg));
 
-// The kind nibbles from here up stand for something else than a number, or for nothing.
-constexpr uint32_t FirstOtherNibble = 0x08000000;
-
 // A block is the header, as wide as one slot, and the slots.
 static VReg *FirstSlot(VRegTable *table)
 {
@@ -191,17 +188,4 @@ VReg *VELK_CALL LookupVReg(VRegTable *table, uint32_t id, int32_t instance)
         if (--instance == 0)
             return slot;
     return nullptr;
-}
-
-StatusCode VReg_GetKind(uint32_t id, int32_t *kind)
-{
-    const uint32_t nibble = id & VRegKindMask;
-    if (nibble != VRegStringNibble && nibble != VRegListNibble && nibble >= FirstOtherNibble)
-        return StatusWrongKind;
-    *kind = ValueKindNumber;
-    if (nibble == VRegStringNibble)
-        *kind = ValueKindString;
-    if (nibble == VRegListNibble)
-        *kind = ValueKindList;
-    return 0;
 }

@@ -12,6 +12,9 @@ constexpr uint32_t VRegKindMask = 0x0F000000;
 constexpr uint32_t VRegStringNibble = 0x0B000000;
 constexpr uint32_t VRegListNibble = 0x0F000000;
 
+// The nibbles from here up stand for something else than a number, or for nothing.
+constexpr uint32_t VRegFirstOtherNibble = 0x08000000;
+
 constexpr bool VReg_HasPayload(uint32_t id)
 {
     const uint32_t nibble = id & VRegKindMask;
@@ -40,7 +43,18 @@ inline VelkWord Word_Of(const void *reference)
 }
 
 // The ValueKind of a register, or -17 with `kind` unwritten.
-StatusCode VReg_GetKind(uint32_t id, int32_t *kind);
+inline StatusCode VReg_GetKind(uint32_t id, int32_t *kind)
+{
+    const uint32_t nibble = id & VRegKindMask;
+    if (nibble != VRegStringNibble && nibble != VRegListNibble && nibble >= VRegFirstOtherNibble)
+        return StatusWrongKind;
+    *kind = ValueKindNumber;
+    if (nibble == VRegStringNibble)
+        *kind = ValueKindString;
+    if (nibble == VRegListNibble)
+        *kind = ValueKindList;
+    return 0;
+}
 
 // A copy of the payload `value` of a string or list register of this id; 0 for null, and when memory runs
 // out.
