@@ -1,0 +1,83 @@
+#include "tools/velk/bytes.h"
+#include "tools/velk/commands.h"
+#include "tools/velk/key_state.h"
+#include "tools/velk/save_check.h"
+
+#include <fmt/format.h>
+
+namespace
+{
+
+struct Found {
+    bool isKey;
+    StatusCode status;
+    Value value;
+};
+
+// The definitions are read when the first key is asked for.
+struct Getter {
+    const Session &session;
+    Config *config;
+    DefinitionsHandle definitions;
+};
+
+Found GetKey(Getter *getter, const std::string &name, bool mayBeOption)
+{
+    if (getter->definitions == nullptr)
+        getter->definitions = Session_Definitions(getter->session);
+    const KeyDef *key = KeyTable_Find(&getter->definitions->keys, name.c_str());
+    if (key == nullptr) {
+        std::vector<std::string> names =
+            Catalogue_DefinedNames(getter->session.catalogue, getter->session.className, "Keys");
+        if (mayBeOption)
+            for (const std::string &option : Session_OptionNames(getter->session))
+                names.push_back(option);
+        Fail_Unknown(mayBeOption ? "option or key" : "key", name, names,
+                     mayBeOption ? StatusUnknownOption : StatusUnknownKey);
+    }
+    Found found = {true, 0, {}};
+    found.status = Config_Key(getter->config, {name, key}, &found.value);
+    return found;
+}
+
+Found GetOption(Getter *getter, const std::string &name)
+{
+    Found found = {false, 0, {}};
+    VelkWord word = 0;
+    int32_t kind = ValueKindNumber;
+    found.status = VelkGetOptionEx(getter->config, name.c_str(), -1, &word, &kind);
+    if (found.status == StatusUnknownOption)
+        return GetKey(getter, name, true);
+    found.value = Value_Copy(kind, found.status == 0 ? word : 0);
+    return found;
+}
+
+} // namespace
+
+ExitStatus Run_Get(const Arguments &arguments, Output *output)
+{
+    const Session session = Arguments_Session(arguments);
+    const Place place = Arguments_Place(arguments, session.className, true);
+    const ConfigHandle config = Place_Load(session, arguments, place, output);
+    Getter getter = {session, config.get(), nullptr};
+    if (output->isJson) {
+        output->document["source"] = Json_OfPlace(session, place);
+        output->document["values"] = Json::array();
+    }
+    for (const std::string &name : arguments.names) {
+        const Found found = arguments.areKeys ? GetKey(&getter, name, false) : GetOption(&getter, name);
+        if (found.status < 0)
+            throw Failure_Of(ExitEngine, fmt::format("read {} of {}", Bytes_Shown(name), Place_Shown(place)),
+                             found.status);
+        output->text += Value_Plain(found.value) + "\n";
+        if (output->isJson) {
+            Json json = Json::object();
+            Json_PutText(&json, "name", name);
+            json["layer"] = found.isKey ? "key" : "option";
+            json["value"] =
+                Json_OfValue(found.value, Catalogue_Words(session.catalogue, session.className, name));
+            output->document["values"].push_back(json);
+        }
+    }
+    return ExitDone;
+}

@@ -1,0 +1,233 @@
+#include "tools/velk/bytes.h"
+#include "tools/velk/commands.h"
+#include "tools/velk/key_state.h"
+#include "tools/velk/save_check.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <numeric>
+
+#include <fnmatch.h>
+
+namespace
+{
+
+// What `list` works on. Without values `config` is the session's empty one.
+struct Listing {
+    const Session &session;
+    const Arguments &arguments;
+    Config *config;
+    bool hasValues;
+    Output *output;
+};
+
+constexpr char LabelHead[] = "Label";
+
+std::vector<std::string> Matching(const std::vector<std::string> &names, const Arguments &arguments)
+{
+    if (arguments.names.empty())
+        return names;
+    std::vector<std::string> matching;
+    for (const std::string &name : names)
+        if (std::any_of(arguments.names.begin(), arguments.names.end(), [&](const std::string &pattern) {
+                return fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD) == 0;
+            }))
+            matching.push_back(name);
+    if (matching.empty())
+        Fail_Unknown(arguments.areKeys ? "key" : "option", arguments.names[0], names,
+                     arguments.areKeys ? StatusUnknownKey : StatusUnknownOption);
+    return matching;
+}
+
+void RemoveColumn(Table *table, size_t column)
+{
+    const auto at = static_cast<std::ptrdiff_t>(column);
+    table->heads.erase(table->heads.begin() + at);
+    for (auto &row : table->rows)
+        row.erase(row.begin() + at);
+}
+
+// A head that stands over nothing goes.
+void RemoveEmptyColumns(Table *table)
+{
+    for (size_t n = table->heads.size(); n-- > 1;)
+        if (std::all_of(table->rows.begin(), table->rows.end(),
+                        [&](const auto &row) { return row[n].empty(); }))
+            RemoveColumn(table, n);
+}
+
+// Labels are the first to go where the terminal has no room for all columns.
+void RemoveLabelsWithoutRoom(Table *table, size_t width)
+{
+    Table without = *table;
+    if (table->heads[1] != LabelHead || !Table_IsTooWide(*table, width))
+        return;
+    RemoveColumn(&without, 1);
+    if (!Table_IsTooWide(without, width))
+        *table = without;
+}
+
+std::vector<std::string> OptionRow(const OptionState &state, const Words &words, bool hasValues)
+{
+    const std::string name = Bytes_Shown(state.name);
+    const std::string label = Bytes_Shown(words.label);
+    if (!hasValues)
+        return {name, label, "", "", Valid_KindName(state.valid.kind)};
+    const std::string value = state.status == 0 ? Value_Shown(state.value, words) : Status_Text(state.status);
+    if (state.validStatus < 0)
+        return {name, label, value, Status_Text(state.validStatus), ""};
+    const bool isOut = state.status == 0 && !Valid_Admits(state.valid, state.value);
+    return {name, label, isOut && !Valid_IsNone(state.valid) ? value + " - not valid now" : value,
+            Valid_Shown(state.valid, words, false), ""};
+}
+
+Json OptionJson(const OptionState &state, const Words &words, bool hasValues)
+{
+    Json json = Json::object();
+    Json_PutText(&json, "name", state.name);
+    Json_PutText(&json, "label", words.label);
+    Json_PutText(&json, "unit", words.unit);
+    Json_PutText(&json, "help", words.help);
+    json["validKind"] = Valid_KindName(state.valid.kind);
+    const bool isRead = hasValues && state.status == 0;
+    const bool isValidKnown = hasValues && state.validStatus == 0;
+    json["value"] = isRead ? Json_OfValue(state.value, words) : Json();
+    json["valid"] = isValidKnown ? Json_OfValid(state.valid, words) : Json();
+    json["isValid"] = isRead && isValidKnown ? Json(Valid_Admits(state.valid, state.value)) : Json();
+    json["error"] = hasValues && state.status < 0 ? Json_OfStatus(state.status) : Json();
+    json["validError"] = hasValues && state.validStatus < 0 ? Json_OfStatus(state.validStatus) : Json();
+    return json;
+}
+
+void ListOptions(const Listing &listing)
+{
+    Table table = {{"Option", LabelHead, "Value", "Valid now", "Kind"}, {}};
+    Json *document = &listing.output->document;
+    if (listing.output->isJson)
+        (*document)["options"] = Json::array();
+    for (const std::string &name : Matching(Session_OptionNames(listing.session), listing.arguments)) {
+        const OptionState state = Config_Option(listing.config, name);
+        const Words words = Catalogue_Words(listing.session.catalogue, listing.session.className, name);
+        table.rows.push_back(OptionRow(state, words, listing.hasValues));
+        if (listing.output->isJson)
+            (*document)["options"].push_back(OptionJson(state, words, listing.hasValues));
+    }
+    RemoveEmptyColumns(&table);
+    RemoveLabelsWithoutRoom(&table, listing.output->width);
+    Output_Table(listing.output, table);
+}
+
+std::string RegisterName(uint32_t id, uint32_t instance, const std::map<uint32_t, std::string> &symbols)
+{
+    const auto symbol = symbols.find(id);
+    std::string name = symbol == symbols.end() ? fmt::format("0x{:08X}", id) : Bytes_Shown(symbol->second);
+    return instance == 1 ? name : fmt::format("{}:{}", name, instance);
+}
+
+std::vector<std::string> KeyRow(const KeyState &state, const Words &words,
+                                const std::map<uint32_t, std::string> &symbols, bool hasValues)
+{
+    const bool isNumber = state.value.kind == ValueKindNumber;
+    std::vector<std::string> row = {Bytes_Shown(state.name), Key_TypeName(state.key),
+                                    RegisterName(state.key->vregId, state.key->instance, symbols),
+                                    isNumber ? Mask_Shown(state.key->mask) : "all"};
+    if (!hasValues) {
+        row.insert(row.end(), {"", "", ""});
+        return row;
+    }
+    row.push_back(isNumber && state.rawStatus == 0 ? fmt::format("0x{:X}", state.raw) : "");
+    row.push_back(state.status == 0 ? Value_Shown(state.value, words) : Status_Text(state.status));
+    row.push_back(state.isModified ? "modified" : "");
+    return row;
+}
+
+Json KeyJson(const KeyState &state, const Words &words, bool hasValues)
+{
+    Json json = Json::object();
+    Json_PutText(&json, "name", state.name);
+    json["type"] = Key_TypeName(state.key);
+    json["register"] = state.key->vregId;
+    json["instance"] = state.key->instance;
+    json["mask"] = state.key->mask;
+    const bool isNumber = state.value.kind == ValueKindNumber;
+    json["raw"] = hasValues && isNumber && state.rawStatus == 0 ? Json(state.raw) : Json();
+    json["value"] = hasValues && state.status == 0 ? Json_OfValue(state.value, words) : Json();
+    json["modified"] = state.isModified;
+    json["error"] = hasValues && state.status < 0 ? Json_OfStatus(state.status) : Json();
+    return json;
+}
+
+void ListKeys(const Listing &listing)
+{
+    const Session &session = listing.session;
+    const DefinitionsHandle definitions = Session_Definitions(session);
+    std::vector<std::string> names;
+    for (const NamedKey &key : Definitions_Keys(*definitions, session.catalogue, session.className))
+        names.push_back(key.name);
+    std::vector<NamedKey> keys;
+    for (const std::string &name : Matching(names, listing.arguments))
+        keys.push_back({name, KeyTable_Find(&definitions->keys, name.c_str())});
+
+    const std::map<uint32_t, std::string> symbols = Catalogue_Symbols(session.catalogue, session.className);
+    Table table = {{"Key", "Type", "Register", "Bits", "Raw", "Value", "Mark"}, {}};
+    if (listing.output->isJson)
+        listing.output->document["keys"] = Json::array();
+    for (const KeyState &state : Config_Keys(listing.config, keys)) {
+        const Words words = Catalogue_Words(session.catalogue, session.className, state.name);
+        table.rows.push_back(KeyRow(state, words, symbols, listing.hasValues));
+        if (listing.output->isJson)
+            listing.output->document["keys"].push_back(KeyJson(state, words, listing.hasValues));
+    }
+    RemoveEmptyColumns(&table);
+    Output_Table(listing.output, table);
+}
+
+void ListRegisters(const Listing &listing)
+{
+    const std::map<uint32_t, std::string> symbols =
+        Catalogue_Symbols(listing.session.catalogue, listing.session.className);
+    Table table = {{"Register", "Name", "Kind", "Value", "Mark"}, {}};
+    if (listing.output->isJson)
+        listing.output->document["registers"] = Json::array();
+    for (const Register &slot : Config_Registers(listing.config)) {
+        static constexpr const char *kinds[] = {"number", "list", "text"};
+        const auto symbol = symbols.find(slot.id);
+        const bool isNumber = slot.value.kind == ValueKindNumber;
+        table.rows.push_back(
+            {RegisterName(slot.id, slot.instance, {}),
+             symbol == symbols.end() ? "" : Bytes_Shown(symbol->second), kinds[slot.value.kind],
+             isNumber ? fmt::format("0x{:08X}", slot.value.number) : Value_Shown(slot.value, {}),
+             slot.isModified ? "modified" : ""});
+        if (listing.output->isJson) {
+            Json json = {
+                {"id", slot.id}, {"instance", slot.instance}, {"value", Json_OfValue(slot.value, {})}};
+            json["modified"] = slot.isModified;
+            listing.output->document["registers"].push_back(json);
+        }
+    }
+    RemoveEmptyColumns(&table);
+    Output_Table(listing.output, table);
+}
+
+} // namespace
+
+ExitStatus Run_List(const Arguments &arguments, Output *output)
+{
+    const Session session = Arguments_Session(arguments);
+    const Place place = Arguments_Place(arguments, session.className, arguments.areRegisters);
+    const bool hasValues = place.kind != Place::Nowhere;
+    const ConfigHandle config =
+        hasValues ? Place_Load(session, arguments, place, output) : Session_NewConfig(session);
+    if (output->isJson)
+        output->document["source"] = Json_OfPlace(session, place);
+    Output_Line(output, Place_Heading(session, place) + ":");
+    const Listing listing = {session, arguments, config.get(), hasValues, output};
+    if (arguments.areRegisters)
+        ListRegisters(listing);
+    else if (arguments.areKeys)
+        ListKeys(listing);
+    else
+        ListOptions(listing);
+    return ExitDone;
+}

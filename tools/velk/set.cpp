@@ -1,0 +1,303 @@
+#include "tools/velk/bytes.h"
+#include "tools/velk/commands.h"
+#include "tools/velk/key_state.h"
+#include "tools/velk/report.h"
+#include "tools/velk/save_check.h"
+#include "tools/velk/valid_notes.h"
+#include "tools/velk/write.h"
+
+#include <fmt/format.h>
+
+#include <fstream>
+#include <iostream>
+
+namespace
+{
+
+// One NAME=VALUE.
+struct Assignment {
+    std::string name, text;
+    Words words;
+    Value asked;
+    Value old;
+    StatusCode oldStatus; // of reading `old`
+    Value stored;
+    Value atEnd; // what stands when all assignments are made
+};
+
+struct Setting {
+    const Session &session;
+    const Arguments &arguments;
+    std::string target;            // "board 5"
+    Config *config;                // the working copy
+    DefinitionsHandle definitions; // with --keys
+    Output *output;
+};
+
+Assignment Split(const std::string &text)
+{
+    const size_t equals = text.find('=');
+    if (equals == std::string::npos || equals == 0)
+        throw Failure{ExitUsage, fmt::format("cannot read '{}'", Bytes_Shown(text)), "give NAME=VALUE"};
+    Assignment assignment = {};
+    assignment.name = Bytes_Trimmed(std::string_view(text).substr(0, equals));
+    assignment.text = text.substr(equals + 1);
+    return assignment;
+}
+
+// A line each; empty ones and those that begin with # are none.
+void ReadLines(std::istream &stream, const std::string &name, std::vector<Assignment> *assignments)
+{
+    std::string line;
+    for (int number = 1; std::getline(stream, line); ++number) {
+        if (line.ends_with('\r'))
+            line.pop_back();
+        const std::string_view trimmed = Bytes_Trimmed(line);
+        if (trimmed.empty() || trimmed.starts_with('#'))
+            continue;
+        try {
+            assignments->push_back(Split(std::string(trimmed)));
+        } catch (Failure &failure) {
+            failure.message += fmt::format(" in line {} of {}", number, Bytes_Shown(name));
+            throw;
+        }
+        assignments->back().text = Bytes_Trimmed(assignments->back().text);
+    }
+    if (stream.bad())
+        throw Failure{ExitUsage, fmt::format("cannot read {}", Bytes_Shown(name)),
+                      "give a file of NAME=VALUE lines"};
+}
+
+std::vector<Assignment> ReadAssignments(const Arguments &arguments)
+{
+    std::vector<Assignment> assignments;
+    if (arguments.from == "-") {
+        ReadLines(std::cin, "standard input", &assignments);
+    } else if (!arguments.from.empty()) {
+        std::ifstream file(arguments.from, std::ios::binary);
+        if (!file)
+            throw Failure{ExitUsage, fmt::format("cannot open {}", Bytes_Shown(arguments.from)),
+                          "give a file of NAME=VALUE lines"};
+        ReadLines(file, arguments.from, &assignments);
+    }
+    for (const std::string &text : arguments.names)
+        assignments.push_back(Split(text));
+    return assignments;
+}
+
+std::string Doing(const Setting &setting, const Assignment &assignment)
+{
+    return fmt::format("set {}={} on {}", Bytes_Shown(assignment.name), Bytes_Shown(assignment.text),
+                       setting.target);
+}
+
+// A value that is not stored as it was asked for.
+void TellMoved(const Setting &setting, const std::string &message, const std::string &details)
+{
+    if (setting.arguments.isStrict)
+        throw Failure{ExitDiffers, message, "--strict lets nothing be moved, and nothing was written", 0,
+                      details};
+    Output_Warn(setting.output, message, details);
+}
+
+std::string ValidLine(const Setting &setting, const OptionState &state, const Words &words)
+{
+    if (state.validStatus < 0)
+        return "";
+    return Text_Wrapped("Valid: " + Valid_Shown(state.valid, words, true) + ".", setting.output->width, 2, 2);
+}
+
+void TellOptionMoved(const Setting &setting, const Assignment &assignment, const OptionState &before)
+{
+    const std::string note = Valid_NoteOnMove(before.valid, assignment.asked, assignment.stored);
+    const std::string details = ValidLine(setting, before, assignment.words) +
+                                (note.empty() ? "" : Text_Wrapped(note, setting.output->width, 2));
+    const std::string stored = Value_Shown(assignment.stored, assignment.words);
+    if (Valid_IsNone(before.valid))
+        TellMoved(
+            setting,
+            fmt::format("{}: no value is valid now, so it would stay {}", Doing(setting, assignment), stored),
+            details);
+    else
+        TellMoved(setting,
+                  fmt::format("{}: {} is not valid now and would become {}", Doing(setting, assignment),
+                              Value_Shown(assignment.asked, assignment.words), stored),
+                  details);
+}
+
+[[noreturn]] void FailUnknownOption(const Setting &setting, const std::string &name)
+{
+    const std::vector<std::string> keys =
+        Catalogue_DefinedNames(setting.session.catalogue, setting.session.className, "Keys");
+    if (std::find(keys.begin(), keys.end(), name) == keys.end())
+        Fail_Unknown("option", name, Session_OptionNames(setting.session), StatusUnknownOption);
+    Failure failure =
+        Failure_Of(ExitEngine, fmt::format("find the option '{}'", Bytes_Shown(name)), StatusUnknownOption);
+    failure.next = "there is a key of this name, which --keys sets";
+    throw failure;
+}
+
+// The option as it stands is what the rules are told of, since an earlier assignment may have moved them.
+void SetOption(const Setting &setting, Assignment *assignment)
+{
+    const OptionState before = Config_Option(setting.config, assignment->name);
+    if (before.status == StatusUnknownOption)
+        FailUnknownOption(setting, assignment->name);
+    assignment->asked =
+        Value_Parse(assignment->text, before.value.kind, assignment->words, Bytes_Shown(assignment->name));
+    ValueWord lent;
+    Value_Lend(assignment->asked, &lent);
+    StatusCode status =
+        VelkSetOptionEx(setting.config, assignment->name.c_str(), before.value.kind, lent.word);
+    if (status == 0) {
+        const OptionState after = Config_Option(setting.config, assignment->name);
+        assignment->stored = after.value;
+        status = after.status;
+    }
+    if (status < 0) {
+        Failure failure = Failure_Of(ExitEngine, Doing(setting, *assignment), status);
+        failure.details = ValidLine(setting, before, assignment->words);
+        throw failure;
+    }
+    if (!Value_IsSame(assignment->asked, assignment->stored))
+        TellOptionMoved(setting, *assignment, before);
+}
+
+void SetKey(const Setting &setting, Assignment *assignment)
+{
+    const NamedKey named = {assignment->name,
+                            KeyTable_Find(&setting.definitions->keys, assignment->name.c_str())};
+    if (named.key == nullptr)
+        Fail_Unknown("key", assignment->name,
+                     Catalogue_DefinedNames(setting.session.catalogue, setting.session.className, "Keys"),
+                     StatusUnknownKey);
+    int32_t kind = ValueKindNumber;
+    KeyDef_GetKind(named.key, &kind);
+    assignment->asked = Value_Parse(assignment->text, kind, assignment->words, Bytes_Shown(assignment->name));
+    ValueWord lent;
+    Value_Lend(assignment->asked, &lent);
+    StatusCode status = VelkSetKey(setting.config, assignment->name.c_str(), lent.word);
+    if (status == 0)
+        status = Config_Key(setting.config, named, &assignment->stored);
+    if (status < 0)
+        throw Failure_Of(ExitEngine, Doing(setting, *assignment), status);
+    if (!Value_IsSame(assignment->asked, assignment->stored))
+        TellMoved(setting,
+                  fmt::format("{}: the key cannot hold it, and would become {}", Doing(setting, *assignment),
+                              Value_Shown(assignment->stored, assignment->words)),
+                  "");
+}
+
+// 0, or why the value cannot be read.
+StatusCode ReadAssigned(const Setting &setting, Config *config, const std::string &name, Value *value)
+{
+    if (setting.definitions != nullptr)
+        return Config_Key(config, {name, KeyTable_Find(&setting.definitions->keys, name.c_str())}, value);
+    const OptionState state = Config_Option(config, name);
+    *value = state.value;
+    return state.status;
+}
+
+void Assign(const Setting &setting, Config *before, std::vector<Assignment> *assignments)
+{
+    for (Assignment &assignment : *assignments) {
+        assignment.words =
+            Catalogue_Words(setting.session.catalogue, setting.session.className, assignment.name);
+        if (setting.definitions != nullptr)
+            SetKey(setting, &assignment);
+        else
+            SetOption(setting, &assignment);
+    }
+    for (Assignment &assignment : *assignments) {
+        assignment.oldStatus = ReadAssigned(setting, before, assignment.name, &assignment.old);
+        ReadAssigned(setting, setting.config, assignment.name, &assignment.atEnd);
+        if (!Value_IsSame(assignment.stored, assignment.atEnd))
+            TellMoved(setting,
+                      fmt::format("{}: {} was taken, and a later assignment makes it {}",
+                                  Doing(setting, assignment),
+                                  Value_Shown(assignment.stored, assignment.words),
+                                  Value_Shown(assignment.atEnd, assignment.words)),
+                      "");
+    }
+}
+
+void ShowAssignments(const Setting &setting, const std::vector<Assignment> &assignments)
+{
+    Table table = {{setting.definitions == nullptr ? "Option" : "Key", "Asked", "Stored", "Was"}, {}};
+    for (const Assignment &assignment : assignments)
+        table.rows.push_back({Bytes_Shown(assignment.name), Value_Shown(assignment.asked, assignment.words),
+                              Value_Shown(assignment.atEnd, assignment.words),
+                              assignment.oldStatus == 0 ? Value_Shown(assignment.old, assignment.words)
+                                                        : Status_Text(assignment.oldStatus)});
+    Output_Table(setting.output, table);
+}
+
+void PutAssignments(const Setting &setting, const std::vector<Assignment> &assignments)
+{
+    Json list = Json::array();
+    for (const Assignment &assignment : assignments) {
+        Json json = Json::object();
+        Json_PutText(&json, "name", assignment.name);
+        json["layer"] = setting.definitions == nullptr ? "option" : "key";
+        json["asked"] = Json_OfValue(assignment.asked, assignment.words);
+        json["stored"] = Json_OfValue(assignment.atEnd, assignment.words);
+        json["old"] = assignment.oldStatus == 0 ? Json_OfValue(assignment.old, assignment.words) : Json();
+        json["moved"] = !Value_IsSame(assignment.asked, assignment.atEnd);
+        list.push_back(json);
+    }
+    setting.output->document["assignments"] = list;
+}
+
+std::string AllOf(const std::vector<Assignment> &assignments, const std::string &target)
+{
+    std::string all = "set";
+    for (const Assignment &assignment : assignments)
+        all += fmt::format(" {}={}", Bytes_Shown(assignment.name), Bytes_Shown(assignment.text));
+    return all + " on " + target;
+}
+
+void Tell(const Setting &setting, const Place &place, const std::vector<Assignment> &assignments,
+          Config *before)
+{
+    std::set<std::string> apart;
+    if (setting.definitions == nullptr)
+        for (const Assignment &assignment : assignments)
+            apart.insert(assignment.name);
+    const Report report = Report_Make(setting.session, before, setting.config, apart);
+    Output_Line(setting.output, "Working copy of " + Place_Shown(place) +
+                                    fmt::format(", class {} ({}):", Bytes_Shown(setting.session.className),
+                                                Bytes_Shown(setting.session.catalogue.directory)));
+    ShowAssignments(setting, assignments);
+    if (!report.changes.empty())
+        Output_Line(setting.output, "What moves with it:");
+    Report_Show(report, setting.session, "Was", "Is", setting.output);
+    if (setting.output->isJson) {
+        setting.output->document["source"] = Json_OfPlace(setting.session, place);
+        setting.output->document["dryRun"] = setting.arguments.isDryRun;
+        PutAssignments(setting, assignments);
+        Report_PutJson(report, setting.session, setting.output);
+    }
+}
+
+} // namespace
+
+ExitStatus Run_Set(const Arguments &arguments, Output *output)
+{
+    std::vector<Assignment> assignments = ReadAssignments(arguments);
+    Write_CheckAnswer(arguments, *output);
+    const Session session = Arguments_Session(arguments);
+    const Place place = Arguments_Place(arguments, session.className, true);
+    const ConfigHandle before = Place_Load(session, arguments, place, output);
+    const ConfigHandle working = Config_Copy(session, before.get());
+    const Setting setting = {session,
+                             arguments,
+                             Place_Shown(place),
+                             working.get(),
+                             arguments.areKeys ? Session_Definitions(session) : nullptr,
+                             output};
+    Assign(setting, before.get(), &assignments);
+    Tell(setting, place, assignments, before.get());
+    Write_Run({session, arguments, place, before.get(), working.get(), AllOf(assignments, setting.target)},
+              output);
+    return ExitDone;
+}
