@@ -14,22 +14,20 @@ namespace
 {
 
 // A bit for each command.
-enum Command : unsigned {
-    Classes = 1,
-    List = 2,
-    Get = 4,
-    Values = 8,
-    Set = 16,
-    Diff = 32,
-    Save = 64,
-    Load = 128,
-    Status = 256,
-    Help = 512,
-    All = 1023
-};
+constexpr uint32_t Classes = 1;
+constexpr uint32_t List = 2;
+constexpr uint32_t Get = 4;
+constexpr uint32_t Values = 8;
+constexpr uint32_t Set = 16;
+constexpr uint32_t Diff = 32;
+constexpr uint32_t Save = 64;
+constexpr uint32_t Load = 128;
+constexpr uint32_t Status = 256;
+constexpr uint32_t Help = 512;
+constexpr uint32_t All = 1023;
 
 struct CommandText {
-    Command bit;
+    uint32_t bit;
     const char *name;
     const char *names; // what stands behind it
     const char *summary;
@@ -85,7 +83,7 @@ constexpr CommandText Commands[] = {
 };
 
 struct OptionText {
-    unsigned commands;
+    uint32_t commands;
     const char *names;
     const char *argument; // of a flag: null
     const char *text;
@@ -93,7 +91,7 @@ struct OptionText {
     std::string Arguments::*value;
 };
 
-constexpr unsigned WithPlace = List | Get | Values | Set;
+constexpr uint32_t WithPlace = List | Get | Values | Set;
 
 constexpr OptionText Options[] = {
     {WithPlace | Save | Load, "--board", "N[,M]", "the board: the two words that its accessor knows it by",
@@ -128,9 +126,6 @@ constexpr OptionText Options[] = {
     {All, "--help,-h", nullptr, "show this", &Arguments::wantsHelp, nullptr},
 };
 
-// Options that stand ahead of a command, too.
-constexpr unsigned Anywhere = All;
-
 const CommandText *FindCommand(const std::string &name)
 {
     for (const CommandText &command : Commands)
@@ -139,9 +134,10 @@ const CommandText *FindCommand(const std::string &name)
     return nullptr;
 }
 
+// Ahead of a command, too.
 bool StandsAhead(const OptionText &option)
 {
-    return option.commands == Anywhere || option.value == &Arguments::definitions ||
+    return option.commands == All || option.value == &Arguments::definitions ||
            option.value == &Arguments::className;
 }
 
@@ -249,7 +245,7 @@ Failure UsageFailure(const CLI::ParseError &error, const Arguments &arguments)
     const std::vector<std::string> near = Names_Near(CommandNames(), name);
     if (!near.empty())
         failure.next = "did you mean " + Names_Join(near, " or ") + "?";
-    throw failure;
+    Fail(failure);
 }
 
 // The first word that is no option, nor what stands behind one.

@@ -30,7 +30,7 @@ Catalogue Catalogue_Read(const std::string &directory)
     const int32_t line = IniFailedLine(catalogue.file.get());
     if (line > 0)
         failure.next = fmt::format("mend its line {}", line);
-    throw failure;
+    Fail(failure);
 }
 
 std::vector<std::string> Catalogue_Classes(const Catalogue &catalogue)

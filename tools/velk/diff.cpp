@@ -31,33 +31,41 @@ Place PlaceOf(const Arguments &arguments, const Session &session, const std::str
     return place;
 }
 
-std::string Shown(StatusCode status, const Value &value, const Words &words)
+// What one side has under a name.
+struct Read {
+    StatusCode status; // `value` holds if it is 0
+    Value value;
+};
+
+std::string Shown(const Read &read, const Words &words)
 {
-    return status == 0 ? Value_Shown(value, words) : Status_Text(status);
+    return read.status == 0 ? Value_Shown(read.value, words) : Status_Text(read.status);
 }
 
-Json ValueOrNull(StatusCode status, const Value &value, const Words &words)
+void PutRead(Json *object, const std::string &member, const Read &read, const Words &words)
 {
-    return status == 0 ? Json_OfValue(value, words) : Json();
+    (*object)[member] = read.status == 0 ? Json_OfValue(read.value, words) : Json();
+    (*object)[member + "Error"] = read.status < 0 ? Json_OfStatus(read.status) : Json();
 }
 
-// A row of two values; true: they differ, and are shown.
-bool CompareValues(const Comparison &comparison, const std::string &name, StatusCode firstStatus,
-                   const Value &first, StatusCode secondStatus, const Value &second, Table *table, Json *list)
+// The rows of a layer that differ.
+struct Rows {
+    Table table;
+    Json list = Json::array();
+};
+
+void CompareReads(const Comparison &comparison, const std::string &name, const Read &first,
+                  const Read &second, Rows *rows)
 {
-    if (firstStatus == secondStatus && (firstStatus < 0 || Value_IsSame(first, second)))
-        return false;
+    if (first.status == second.status && (first.status < 0 || Value_IsSame(first.value, second.value)))
+        return;
     const Words words = Catalogue_Words(comparison.session.catalogue, comparison.session.className, name);
-    table->rows.push_back(
-        {Bytes_Shown(name), Shown(firstStatus, first, words), Shown(secondStatus, second, words)});
+    rows->table.rows.push_back({Bytes_Shown(name), Shown(first, words), Shown(second, words)});
     Json json = Json::object();
     Json_PutText(&json, "name", name);
-    json["a"] = ValueOrNull(firstStatus, first, words);
-    json["b"] = ValueOrNull(secondStatus, second, words);
-    json["aError"] = firstStatus < 0 ? Json_OfStatus(firstStatus) : Json();
-    json["bError"] = secondStatus < 0 ? Json_OfStatus(secondStatus) : Json();
-    list->push_back(json);
-    return true;
+    PutRead(&json, "a", first, words);
+    PutRead(&json, "b", second, words);
+    rows->list.push_back(json);
 }
 
 void ShowTable(const Comparison &comparison, const char *what, const Table &table)
@@ -68,34 +76,40 @@ void ShowTable(const Comparison &comparison, const char *what, const Table &tabl
         Output_Table(comparison.output, table);
 }
 
+Rows MakeRows(const Comparison &comparison, const char *head)
+{
+    return {{{head, comparison.firstName, comparison.secondName}, {}}, Json::array()};
+}
+
 void DiffOptions(const Comparison &comparison)
 {
-    Table table = {{"Option", comparison.firstName, comparison.secondName}, {}};
-    Json list = Json::array();
+    Rows rows = MakeRows(comparison, "Option");
     for (const std::string &name : Session_OptionNames(comparison.session)) {
         const OptionState first = Config_Option(comparison.first, name);
         const OptionState second = Config_Option(comparison.second, name);
-        CompareValues(comparison, name, first.status, first.value, second.status, second.value, &table,
-                      &list);
+        CompareReads(comparison, name, {first.status, first.value}, {second.status, second.value}, &rows);
     }
-    comparison.output->document["options"] = list;
-    ShowTable(comparison, "option", table);
+    comparison.output->document["options"] = rows.list;
+    ShowTable(comparison, "option", rows.table);
+}
+
+Read ReadKey(Config *config, const NamedKey &key)
+{
+    Read read = {0, {}};
+    read.status = Config_Key(config, key, &read.value);
+    return read;
 }
 
 void DiffKeys(const Comparison &comparison)
 {
     const Session &session = comparison.session;
     const DefinitionsHandle definitions = Session_Definitions(session);
-    Table table = {{"Key", comparison.firstName, comparison.secondName}, {}};
-    Json list = Json::array();
-    for (const NamedKey &key : Definitions_Keys(*definitions, session.catalogue, session.className)) {
-        Value first, second;
-        const StatusCode firstStatus = Config_Key(comparison.first, key, &first);
-        const StatusCode secondStatus = Config_Key(comparison.second, key, &second);
-        CompareValues(comparison, key.name, firstStatus, first, secondStatus, second, &table, &list);
-    }
-    comparison.output->document["keys"] = list;
-    ShowTable(comparison, "key", table);
+    Rows rows = MakeRows(comparison, "Key");
+    for (const NamedKey &key : Definitions_Keys(*definitions, session.catalogue, session.className))
+        CompareReads(comparison, key.name, ReadKey(comparison.first, key), ReadKey(comparison.second, key),
+                     &rows);
+    comparison.output->document["keys"] = rows.list;
+    ShowTable(comparison, "key", rows.table);
 }
 
 using RegisterMap = std::map<std::pair<uint32_t, uint32_t>, Value>;

@@ -61,6 +61,11 @@ template <size_t count> const char *Find(const CodeText (&texts)[count], StatusC
 
 } // namespace
 
+void Fail(const Failure &failure)
+{
+    throw Failure(failure);
+}
+
 std::string Status_Message(StatusCode code)
 {
     const char *own = Find(Messages, code);

@@ -26,6 +26,8 @@ struct Failure {
     std::string details = {};
 };
 
+[[noreturn]] void Fail(const Failure &failure);
+
 // The message of a status code, and the code.
 std::string Status_Text(StatusCode code);
 

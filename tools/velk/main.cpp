@@ -72,7 +72,7 @@ void CatchSignals(const Output &output)
     Signals_Catch(Document_Text(document), "");
 }
 
-ExitStatus Fail(const Failure &failure, Output *output)
+ExitStatus EndWith(const Failure &failure, Output *output)
 {
     Output_Fail(output, failure);
     return failure.exit;
@@ -87,9 +87,9 @@ ExitStatus RunCommandLine(int argc, char **argv, Output *output)
         CatchSignals(*output);
         return Run(arguments, output);
     } catch (const Failure &failure) {
-        return Fail(failure, output);
+        return EndWith(failure, output);
     } catch (const std::bad_alloc &) {
-        return Fail(Failure_Of(ExitEngine, "go on", StatusOutOfMemory), output);
+        return EndWith(Failure_Of(ExitEngine, "go on", StatusOutOfMemory), output);
     }
 }
 

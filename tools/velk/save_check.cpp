@@ -74,6 +74,7 @@ std::set<RegisterName> RegistersOf(Profile *file)
 std::string Shown(const std::set<RegisterName> &registers)
 {
     std::vector<std::string> names;
+    names.reserve(registers.size());
     for (const auto &[id, instance] : registers)
         names.push_back(instance == 1 ? fmt::format("0x{:08X}", id)
                                       : fmt::format("0x{:08X}:{}", id, instance));

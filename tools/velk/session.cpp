@@ -25,7 +25,7 @@ void Fail_Unknown(const char *what, const std::string &name, const std::vector<s
     const std::vector<std::string> near = Names_Near(names, name);
     if (!near.empty())
         failure.next = "did you mean " + Names_Join(near, " or ") + "?";
-    throw failure;
+    Fail(failure);
 }
 
 std::string Catalogue_Choose(const Catalogue &catalogue, const std::string &className)
@@ -51,7 +51,7 @@ std::string Catalogue_Choose(const Catalogue &catalogue, const std::string &clas
     const std::vector<std::string> near = Names_Near(classes, className);
     if (!near.empty())
         failure.next = "did you mean " + Names_Join(near, " or ") + "?";
-    throw failure;
+    Fail(failure);
 }
 
 static void LoadClass(const Session &session, Config **config)
@@ -72,7 +72,7 @@ static void LoadClass(const Session &session, Config **config)
         failure.next = fmt::format(
             "install the module '{}' that the catalogue names as its Accessor",
             Bytes_Shown(Catalogue_Item(session.catalogue, session.className, "Accessor").value_or("")));
-    throw failure;
+    Fail(failure);
 }
 
 Session Session_Open(Catalogue catalogue, const std::string &className)
@@ -160,6 +160,7 @@ OptionState Config_Option(Config *config, const std::string &name)
 std::vector<OptionState> Config_Options(Config *config, const std::vector<std::string> &names)
 {
     std::vector<OptionState> states;
+    states.reserve(names.size());
     for (const std::string &name : names)
         states.push_back(Config_Option(config, name));
     return states;

@@ -134,7 +134,7 @@ void TellOptionMoved(const Setting &setting, const Assignment &assignment, const
     Failure failure =
         Failure_Of(ExitEngine, fmt::format("find the option '{}'", Bytes_Shown(name)), StatusUnknownOption);
     failure.next = "there is a key of this name, which --keys sets";
-    throw failure;
+    Fail(failure);
 }
 
 // The option as it stands is what the rules are told of, since an earlier assignment may have moved them.
@@ -157,7 +157,7 @@ void SetOption(const Setting &setting, Assignment *assignment)
     if (status < 0) {
         Failure failure = Failure_Of(ExitEngine, Doing(setting, *assignment), status);
         failure.details = ValidLine(setting, before, assignment->words);
-        throw failure;
+        Fail(failure);
     }
     if (!Value_IsSame(assignment->asked, assignment->stored))
         TellOptionMoved(setting, *assignment, before);

@@ -64,6 +64,7 @@ std::string NumberShown(uint32_t number, const Words &words)
 std::string ListShown(const std::vector<uint32_t> &list, const Words &words)
 {
     std::vector<std::string> shown;
+    shown.reserve(list.size());
     for (const uint32_t number : list)
         shown.push_back(NumberShown(number, words));
     return fmt::format("({})", fmt::join(shown, ", "));
@@ -97,6 +98,7 @@ uint32_t ParseNumber(const std::string &text, const Words &words, const std::str
     if (found.empty())
         throw NotAValue(what, text, words);
     std::vector<std::string> candidates;
+    candidates.reserve(found.size());
     for (const uint32_t candidate : found)
         candidates.push_back(fmt::format("{} ({})", Words_Of(words, candidate), candidate));
     throw Failure{ExitUsage,

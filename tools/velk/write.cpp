@@ -56,7 +56,7 @@ void SaveBackup(const Change &change, Output *output)
         Failure failure =
             Failure_Of(ExitEngine, fmt::format("save the backup {}", Bytes_Shown(file)), status);
         failure.message += ", and nothing was written";
-        throw failure;
+        Fail(failure);
     }
     Output_Line(output, fmt::format("What was there is saved to {}.", Bytes_Shown(file)));
 }
@@ -134,7 +134,7 @@ void StoreAndReadBack(const Change &change, const std::vector<Register> &changed
         failure.message += fmt::format(", and {} is {}", target, truth);
         if (!truth.starts_with("not written") && !truth.starts_with("written"))
             failure.message = fmt::format("cannot {}: {}; {}", change.doing, Status_Text(status), truth);
-        throw failure;
+        Fail(failure);
     }
     const ReadBack back = ReadTarget(change, Config_Registers(change.after), changed);
     PutResult(output, true, false, changed.size(), "written");
