@@ -112,13 +112,33 @@ TEST(ImageAccessor, WritesTheBytesThatDifferOrNone)
     EXPECT_EQ(rig.Save(1), -104) << "no table at all";
 }
 
+TEST(ImageAccessor, WritesInTheWayOfItsSettings)
+{
+    const std::tuple<const char *, StatusCode, size_t> rows[] = {
+        {"", 0, 1}, {"Write = replace\n", 0, 1}, {"Write = inplace\n", 0, 2}, {"Write = never\n", -105, 2}};
+    for (const auto &[settings, status, links] : rows) {
+        SCOPED_TRACE(settings);
+        Rig rig(settings + goodSettings);
+        const std::string image = rig.directory.Path("board.img");
+        std::filesystem::create_hard_link(image, image + ".link");
+        ASSERT_EQ(rig.Open("A") + rig.Load(1), 0);
+        EXPECT_EQ(rig.Save(1), 0) << "nothing differs";
+        EXPECT_EQ(std::filesystem::hard_link_count(image), 2u);
+        rig.Put(Edited(values, "7f", "1"));
+        EXPECT_EQ(rig.Save(1), status);
+        EXPECT_EQ(std::filesystem::hard_link_count(image), links) << "a file that is replaced is another";
+        const std::string written = std::string(imageBytes).replace(32, 1, "\1");
+        EXPECT_EQ(rig.directory.Read("board.img"), status == 0 ? written : imageBytes);
+    }
+}
+
 TEST(ImageAccessor, RefusesBadSettings)
 {
     const std::pair<const char *, std::vector<const char *>> rows[] = {
         {"Image = board.img\n", {"", "Image =\n"}},
         {"Stride = 32",
          {"Stride = 0", "Stride = 0x100000000", "Stride = 4294967296", "Stride = 032", "Stride = 32 x", "",
-          "Stride = 32\nUnit = -1"}},
+          "Stride = 32\nUnit = -1", "Stride = 32\nWrite = no", "Stride = 32\nWrite = never ever"}},
         {"Stride = 32", {"Stride = 23"}}, // the last place ends at 24
         {"Registers = 0x10,", {"Registers = 0x10,,", "Registers = 0,", "Registers = 0x10"}},
         {"Registers = ", {"Register = "}},
@@ -172,9 +192,10 @@ TEST(ImageAccessor, TouchesNothingWhenThereIsNoBoard)
 
 TEST(ImageAccessor, RefusesAnImageThatShrankDuringASession)
 {
-    for (const auto &[size, status] : {std::pair{40, -108}, {32, -102}, {0, -102}}) {
+    for (const auto &[size, status, settings] :
+         {std::tuple{40, -108, ""}, {32, -102, ""}, {0, -102, ""}, {40, -108, "Write = inplace\n"}}) {
         SCOPED_TRACE(size);
-        Rig rig;
+        Rig rig(settings + goodSettings);
         ASSERT_EQ(rig.Open("A") + rig.Load(1), 0);
         rig.Put(Edited(values, "7f", "1"));
         const HeldModule held(module);
@@ -194,9 +215,12 @@ TEST(ImageAccessor, RefusesAnImageThatShrankDuringASession)
 TEST(ImageAccessor, ReportsAWriteThatDoesNotStay)
 {
     // Both read as zeros. One keeps no byte, one takes none; where nothing differs nothing is written.
-    for (const auto &[image, results] : {std::pair{"/dev/zero", -106}, {"/dev/full", 0}}) {
+    // Neither can be replaced.
+    for (const auto &[image, settings, results] : {std::tuple{"/dev/zero", "Write = inplace\n", -106},
+                                                   {"/dev/full", "Write = inplace\n", 0},
+                                                   {"/dev/zero", "", -106}}) {
         SCOPED_TRACE(image);
-        Rig rig(Edited(byteSettings, "board.img", image));
+        Rig rig(settings + Edited(byteSettings, "board.img", image));
         ASSERT_EQ(rig.Open("A") + rig.Load(0, 2), 0);
         EXPECT_EQ(rig.Run(results == 0 ? "#Small=0" : "#Small=1"), "0");
         EXPECT_EQ(rig.Save(0, 2), results);

@@ -37,6 +37,24 @@ static StatusCode ImageMap_ReadNumbers(ConfigClass *configClass, ImageMap *map)
     return 0;
 }
 
+static StatusCode ImageMap_ReadWriteMode(ConfigClass *configClass, ImageMap *map)
+{
+    static constexpr struct {
+        const char *word;
+        WriteMode mode;
+    } modes[] = {{"replace", WriteReplace}, {"inplace", WriteInPlace}, {"never", WriteNever}};
+    const char *text;
+    if (CfgClass_GetAccessorData(configClass, "Write", &text) < 0)
+        return 0; // it is replaced
+    const Word word = Setting_NextWord(&text);
+    for (const auto &entry : modes)
+        if (Word_Is(word, entry.word) && Setting_IsAtEnd(text)) {
+            map->write = entry.mode;
+            return 0;
+        }
+    return StatusNoAccessorSettings;
+}
+
 static StatusCode ImageMap_ReadIds(const char *registers, ImageMap *map)
 {
     map->count = 1 + static_cast<size_t>(std::count(registers, registers + strlen(registers), ','));
@@ -141,6 +159,8 @@ static StatusCode ImageMap_Fill(ConfigClass *configClass, const char *directory,
     if (status < 0)
         return status;
     status = ImageMap_ReadNumbers(configClass, map);
+    if (status == 0)
+        status = ImageMap_ReadWriteMode(configClass, map);
     if (status < 0)
         return status;
 
@@ -178,7 +198,7 @@ void ImageMap_Delete(ImageMap *map)
 
 bool ImageMap_AreEqual(const ImageMap *first, const ImageMap *second)
 {
-    return first->unit == second->unit && first->stride == second->stride && first->count == second->count &&
-           strcmp(first->path, second->path) == 0 &&
+    return first->unit == second->unit && first->write == second->write && first->stride == second->stride &&
+           first->count == second->count && strcmp(first->path, second->path) == 0 &&
            std::equal(first->places, first->places + first->count, second->places);
 }

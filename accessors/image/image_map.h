@@ -7,10 +7,14 @@
 
 #include <cstddef>
 
+// How changed bytes come into the image: the setting "Write".
+enum WriteMode { WriteReplace, WriteInPlace, WriteNever };
+
 struct ImageMap {
-    ImageMap *next;  // in the chain of units
-    char *path;      // of the image, absolute
-    uint32_t unit;   // what a session calls these settings
+    ImageMap *next; // in the chain of units
+    char *path;     // of the image, absolute
+    uint32_t unit;  // what a session calls these settings
+    WriteMode write;
     uint32_t stride; // bytes that a board takes
     uint32_t span;   // bytes up to the end of the last place, at most `stride`
     size_t count;    // at least 1

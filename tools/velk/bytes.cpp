@@ -146,12 +146,12 @@ bool Bytes_AreAlike(std::string_view first, std::string_view second)
 
 std::vector<std::string> Names_Near(const std::vector<std::string> &names, std::string_view mistyped)
 {
-    const size_t farthest = std::max<size_t>(1, mistyped.size() / 3);
+    const size_t farthest = mistyped.size() < 4 ? 1 : std::max<size_t>(2, mistyped.size() / 3);
     std::vector<std::pair<size_t, std::string>> near;
     for (const std::string &name : names) {
         const bool begins = mistyped.size() >= 3 && Bytes_StartWith(name, mistyped);
         const size_t distance = begins ? 1 : Distance(name, mistyped);
-        if (distance <= farthest)
+        if (distance <= farthest && distance < mistyped.size())
             near.emplace_back(distance, name);
     }
     std::stable_sort(near.begin(), near.end(),

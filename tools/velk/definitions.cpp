@@ -121,7 +121,9 @@ std::string Definitions_Explain(const Catalogue &catalogue, const std::string &c
     if (status != StatusKeyLoadFailed && status != StatusOptionLoadFailed)
         return {};
     const bool areKeys = status == StatusKeyLoadFailed;
-    for (const std::string &name : Catalogue_Files(catalogue, className, areKeys ? "Keys" : "Options")) {
+    const std::vector<std::string> files =
+        Catalogue_Files(catalogue, className, areKeys ? "Keys" : "Options");
+    for (const std::string &name : files) {
         const std::string path = Catalogue_PathOf(catalogue, name);
         const ProfileHandle file = Profile_Make();
         if (IniReadFromFile(file.get(), path.c_str()) == 0) {
@@ -133,5 +135,5 @@ std::string Definitions_Explain(const Catalogue &catalogue, const std::string &c
         return line > 0 ? fmt::format("mend line {} of {}", line, Bytes_Shown(path))
                         : fmt::format("look whether {} is there and may be read", Bytes_Shown(path));
     }
-    return {};
+    return "mend a definition in " + Names_Join(files, " or ");
 }

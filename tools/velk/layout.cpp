@@ -95,21 +95,21 @@ static size_t Taken(const std::vector<size_t> &widths)
     return taken;
 }
 
-bool Table_IsTooWide(const Table &table, size_t width)
+size_t Table_Width(const Table &table)
 {
     const std::vector<size_t> widths = Widths(table);
-    return Taken(widths) + std::min(widths.back(), LeastLastColumn) > width;
+    return Taken(widths) + widths.back();
 }
 
 std::string Table_Lines(const Table &table, size_t width, bool isColoured)
 {
     std::string lines;
-    if (Table_IsTooWide(table, width)) {
+    std::vector<size_t> widths = Widths(table);
+    if (Taken(widths) + std::min(widths.back(), LeastLastColumn) > width) {
         for (const auto &row : table.rows)
             lines += RowBlock(table, row, width);
         return lines;
     }
-    std::vector<size_t> widths = Widths(table);
     widths.back() = std::min(widths.back(), width - Taken(widths));
     const std::string heads = RowLines(table.heads, widths);
     lines = Bold(heads.substr(0, heads.size() - 1), isColoured) + "\n";

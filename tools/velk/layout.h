@@ -10,8 +10,8 @@ struct Table {
     std::vector<std::vector<std::string>> rows; // of shown texts; the first of each is its name
 };
 
-// Whether the table is too wide for columns.
-bool Table_IsTooWide(const Table &table, size_t width);
+// The columns of a terminal on which no line is broken.
+size_t Table_Width(const Table &table);
 
 // Lines of the table. What is too wide has its last column broken, or each row as a block of lines, its name
 // first. Names are never cut. Escapes for bold heads if `isColoured`.

@@ -57,15 +57,11 @@ void RemoveEmptyColumns(Table *table)
             RemoveColumn(table, n);
 }
 
-// Labels are the first to go where the terminal has no room for all columns.
+// Labels are the first to go where lines would be broken.
 void RemoveLabelsWithoutRoom(Table *table, size_t width)
 {
-    Table without = *table;
-    if (table->heads[1] != LabelHead || !Table_IsTooWide(*table, width))
-        return;
-    RemoveColumn(&without, 1);
-    if (!Table_IsTooWide(without, width))
-        *table = without;
+    if (table->heads[1] == LabelHead && Table_Width(*table) > width)
+        RemoveColumn(table, 1);
 }
 
 std::vector<std::string> OptionRow(const OptionState &state, const Words &words, bool hasValues)

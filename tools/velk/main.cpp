@@ -17,16 +17,20 @@ ExitStatus Run_Help(const Arguments &arguments, Output *output)
                                 : arguments.names.empty() ? ""
                                                           : arguments.names[0];
     output->text = Help_Text(command, output->width);
-    if (output->isJson)
+    if (output->isJson) {
+        output->document["command"] = "help";
         output->document["text"] = output->text;
+    }
     return ExitDone;
 }
 
 ExitStatus Run_Version(Output *output)
 {
     output->text = "velk " VELK_VERSION "\n";
-    if (output->isJson)
+    if (output->isJson) {
+        output->document["command"] = nullptr;
         output->document["version"] = VELK_VERSION;
+    }
     return ExitDone;
 }
 

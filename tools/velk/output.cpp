@@ -94,11 +94,22 @@ std::string Document_Text(const Json &document)
     return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
+// What was found out until then goes, but for what was written.
+static Json Document_OfFailure(const Json &document, const Failure &failure)
+{
+    Json kept = Json::object();
+    for (const char *member : {"schema", "command", "warnings", "outcome"})
+        if (document.contains(member))
+            kept[member] = document[member];
+    kept["error"] = Json_OfFailure(failure);
+    return kept;
+}
+
 void Output_Fail(Output *output, const Failure &failure)
 {
     output->text.clear();
     if (output->isJson)
-        output->document["error"] = Json_OfFailure(failure);
+        output->document = Document_OfFailure(output->document, failure);
     else
         Stream_Write(STDERR_FILENO, Failure_Text(failure));
 }
@@ -145,7 +156,7 @@ Json Json_OfPlace(const Session &session, const Place &place)
     Json_PutText(&json, "class", session.className);
     json["kind"] = place.kind == Place::Board ? "board" : place.kind == Place::SaveFile ? "file" : "none";
     if (place.kind == Place::Board)
-        json["words"] = {place.first, place.second};
+        json["board"] = {place.first, place.second};
     if (place.kind == Place::SaveFile) {
         Json_PutText(&json, "file", place.file);
         Json_PutText(&json, "key", place.key);

@@ -6,7 +6,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <map>
+
+#include <unistd.h>
 
 std::string Place_Shown(const Place &place)
 {
@@ -100,6 +104,17 @@ ConfigHandle Session_NewConfig(const Session &session)
     return ConfigHandle(config);
 }
 
+// What to do about a save file that neither the engine nor the accessor can read.
+static std::string ExplainBadFile(const std::string &path, const std::string &otherwise)
+{
+    if (access(path.c_str(), R_OK) != 0)
+        return fmt::format("it cannot be opened: {}", strerror(errno));
+    const ProfileHandle file = Profile_Make();
+    IniReadFromFile(file.get(), path.c_str());
+    const int32_t line = IniFailedLine(file.get());
+    return line > 0 ? fmt::format("mend its line {}", line) : otherwise;
+}
+
 StatusCode Config_Load(Config *config, const Place &place)
 {
     StatusCode status;
@@ -107,10 +122,14 @@ StatusCode Config_Load(Config *config, const Place &place)
         status = VelkLoadCurrentConfig(config, place.first, place.second);
     else
         status = VelkLoadFromFile(config, place.file.c_str(), place.key.c_str());
-    if (status >= 0)
+    // A board that was read with a warning is not loaded.
+    if (status == 0 || (status > 0 && VelkIsConfigLoaded(config) == 1))
         return status;
     const bool isBoards = place.kind == Place::Board && status != StatusOutOfMemory;
-    throw Failure_Of(isBoards ? ExitBoard : ExitEngine, "read " + Place_Shown(place), status);
+    Failure failure = Failure_Of(isBoards ? ExitBoard : ExitEngine, "read " + Place_Shown(place), status);
+    if (place.kind == Place::SaveFile && status == StatusBadFile)
+        failure.next = ExplainBadFile(place.file, failure.next);
+    Fail(failure);
 }
 
 ConfigHandle Config_Copy(const Session &session, Config *config)

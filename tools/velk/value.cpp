@@ -76,7 +76,8 @@ Failure NotAValue(const std::string &what, const std::string &text, const Words 
     for (const auto &[number, word] : words.byNumber)
         known.push_back(word);
     Failure failure = {
-        ExitUsage, fmt::format("cannot read the value for {}: '{}' is no number", what, Bytes_Shown(text)),
+        ExitUsage,
+        fmt::format("cannot read the value for {}: '{}' is no 32-bit number", what, Bytes_Shown(text)),
         "give one, such as 16 or 0x10"};
     if (!known.empty()) {
         failure.message += " and none of its words";

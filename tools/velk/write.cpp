@@ -101,25 +101,29 @@ std::string Count(size_t count)
 }
 
 // What stands on the target after a write that failed.
-std::string TruthAfterFailure(const Change &change, const std::vector<Register> &changed)
+struct Truth {
+    bool isWritten; // nothing is known to be as it was
+    std::string words;
+};
+
+Truth TruthAfterFailure(const Change &change, const std::vector<Register> &changed)
 {
-    const ReadBack back = ReadTarget(change, Config_Registers(change.before), changed);
-    if (!back.failure.empty())
-        return fmt::format("what it holds now is unknown, since it cannot be read ({})", back.failure);
-    if (back.different.empty())
-        return "not written: it was read again and holds what it held";
-    return fmt::format("written in part: {} of {} that change hold something else than before",
-                       back.different.size(), back.changed);
+    const ReadBack old = ReadTarget(change, Config_Registers(change.before), changed);
+    if (!old.failure.empty())
+        return {true, fmt::format("what it holds now is unknown, since it cannot be read: {}", old.failure)};
+    if (old.different.empty())
+        return {false, "it is not written: it was read again, and holds what it held"};
+    const ReadBack now = ReadTarget(change, Config_Registers(change.after), changed);
+    if (now.failure.empty() && now.different.empty())
+        return {true, "it is written all the same: it was read again, and holds what it was to hold"};
+    return {true, fmt::format("it is written in part: of {} that change {} read back as before",
+                              Count(old.changed), old.changed - old.different.size())};
 }
 
 void PutResult(Output *output, bool isWritten, bool isReadBack, size_t registers, const std::string &result)
 {
-    if (!output->isJson)
-        return;
-    output->document["written"] = isWritten;
-    output->document["readBack"] = isReadBack;
-    output->document["registers"] = registers;
-    output->document["result"] = result;
+    output->document["outcome"] = {
+        {"written", isWritten}, {"readBack", isReadBack}, {"registers", registers}, {"result", result}};
 }
 
 void StoreAndReadBack(const Change &change, const std::vector<Register> &changed, Output *output)
@@ -128,12 +132,10 @@ void StoreAndReadBack(const Change &change, const std::vector<Register> &changed
     const StatusCode status = Store(change);
     if (status < 0) {
         const bool isBoards = change.target.kind == Place::Board && status != StatusOutOfMemory;
+        const Truth truth = TruthAfterFailure(change, changed);
+        PutResult(output, truth.isWritten, false, changed.size(), truth.words);
         Failure failure = Failure_Of(isBoards ? ExitBoard : ExitEngine, change.doing, status);
-        const std::string truth = TruthAfterFailure(change, changed);
-        PutResult(output, truth.starts_with("written"), false, changed.size(), truth);
-        failure.message += fmt::format(", and {} is {}", target, truth);
-        if (!truth.starts_with("not written") && !truth.starts_with("written"))
-            failure.message = fmt::format("cannot {}: {}; {}", change.doing, Status_Text(status), truth);
+        failure.message += ", and " + truth.words;
         Fail(failure);
     }
     const ReadBack back = ReadTarget(change, Config_Registers(change.after), changed);
@@ -177,7 +179,7 @@ void Write_Run(const Change &change, Output *output)
     if (changed.empty()) {
         PutResult(output, false, false, 0, "not written");
         Output_Line(output,
-                    fmt::format("{}: not written, since nothing changes.", Place_Shown(change.target)));
+                    Bytes_Capital(Place_Shown(change.target)) + ": not written, since nothing changes.");
         return;
     }
     if (change.arguments.isDryRun) {
@@ -186,7 +188,7 @@ void Write_Run(const Change &change, Output *output)
                                                       Place_Shown(change.target), Count(changed.size()))));
         return;
     }
-    Output_Line(output, fmt::format("{} change.", Count(changed.size())));
+    Output_Line(output, fmt::format("{} change{}.", Count(changed.size()), changed.size() == 1 ? "s" : ""));
     Show(output);
     Ask(change);
     Signals_Wait();
