@@ -84,6 +84,14 @@ static uint32_t Name_Hash(uint64_t seed, const Name &name, uint64_t caseBits)
     return static_cast<uint32_t>((state ^ state >> 32) * 0x9E3779B97F4A7C15 >> 32);
 }
 
+// Names in a row mostly differ at their ends.
+static uint32_t Name_Sign(const char *text, size_t length)
+{
+    const auto last = static_cast<uint32_t>(length > 0 ? Letter_Lower(text[length - 1]) : 0);
+    const auto before = static_cast<uint32_t>(length > 1 ? Letter_Lower(text[length - 2]) : 0);
+    return static_cast<uint32_t>(length) << 16 | before << 8 | last;
+}
+
 static bool Record_IsUnder(const Record *record, uint32_t section)
 {
     return (record->value == nullptr ? 0 : record->section) == section;
@@ -225,7 +233,7 @@ static uint32_t Profile_NewRecord(Profile *profile, const Record &record)
 // twice its room.
 static bool Section_ReservePlace(Profile *profile, Section *section)
 {
-    Array<uint32_t> *places = &profile->places;
+    Array<Place> *places = &profile->places;
     if (section->count < section->capacity)
         return true;
     if (section->firstPlace + section->capacity == places->count) {
@@ -247,13 +255,28 @@ static bool Section_ReservePlace(Profile *profile, Section *section)
     return true;
 }
 
+// The first place of that sign, or `end`. Where it is decides no jump, which would be guessed wrong: all
+// places are walked, from the last to the first.
+static const Place *Place_Seek(const Place *start, const Place *end, uint32_t sign)
+{
+    const Place *found = end;
+    for (const Place *place = end; place != start;) {
+        --place;
+        found = place->sign == sign ? place : found;
+    }
+    return found;
+}
+
 // The first item in file order that matches, or 0.
 static uint32_t Items_Scan(const Profile *profile, const Section *section, const char *name, Match least)
 {
-    const uint32_t *places = profile->places.items + section->firstPlace;
-    for (uint32_t i = 0; i < section->count; ++i)
-        if (Text_Match(Profile_Record(profile, places[i])->name, name, least) != MatchNone)
-            return places[i];
+    const uint32_t sign = Name_Sign(name, strlen(name));
+    const Place *start = profile->places.items + section->firstPlace;
+    const Place *end = start + section->count;
+    for (const Place *place = Place_Seek(start, end, sign); place != end; ++place)
+        if (place->sign == sign &&
+            Text_Match(Profile_Record(profile, place->record)->name, name, least) != MatchNone)
+            return place->record;
     return 0;
 }
 
@@ -272,10 +295,11 @@ static uint32_t Names_Scan(const Profile *profile, uint32_t section, const char 
                         : Items_Scan(profile, Profile_Section(profile, section), name, least);
 }
 
-static uint32_t Section_AppendItem(Profile *profile, Section *section, const Record &item)
+static uint32_t Section_AppendItem(Profile *profile, Section *section, const Record &item, const Name &name)
 {
     const uint32_t record = Profile_NewRecord(profile, item);
-    profile->places.items[section->firstPlace + section->count++] = record;
+    const Place place = {record, Name_Sign(name.text, name.length)};
+    profile->places.items[section->firstPlace + section->count++] = place;
     return record;
 }
 
@@ -290,7 +314,7 @@ static bool Section_EnterItems(Profile *profile, Section *section)
     if (!Profile_ReserveIndex(profile, section->count))
         return false;
     for (uint32_t i = 0; i < section->count; ++i) {
-        const uint32_t record = profile->places.items[section->firstPlace + i];
+        const uint32_t record = profile->places.items[section->firstPlace + i].record;
         const Record *item = Profile_Record(profile, record);
         const Spot spot = Profile_Seek(profile, {item->name, strlen(item->name), item->section});
         if (spot.exact == 0)
@@ -413,7 +437,7 @@ static bool Section_AddToIndexed(Profile *profile, Section *section, const Recor
         Item_Replace(Profile_Record(profile, spot.exact), item);
         return true;
     }
-    const uint32_t record = Section_AppendItem(profile, section, item);
+    const uint32_t record = Section_AppendItem(profile, section, item, name);
     if (spot.exact == 0)
         Profile_Enter(profile, spot, record);
     return true;
@@ -423,7 +447,7 @@ static bool Section_AddToIndexed(Profile *profile, Section *section, const Recor
 static bool Section_AddToScanned(Profile *profile, Section *section, const Record &item, const Name &name)
 {
     if (profile->keepsDuplicates) {
-        Section_AppendItem(profile, section, item);
+        Section_AppendItem(profile, section, item, name);
         return true;
     }
     if (section->count >= ScannedItems)
@@ -432,7 +456,7 @@ static bool Section_AddToScanned(Profile *profile, Section *section, const Recor
     if (exact != 0)
         Item_Replace(Profile_Record(profile, exact), item);
     else
-        Section_AppendItem(profile, section, item);
+        Section_AppendItem(profile, section, item, name);
     return true;
 }
 

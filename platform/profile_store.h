@@ -19,7 +19,13 @@ struct Record {
     int32_t line;     // 0 for one that was put
 };
 
-// The numbers of its items' records stand in `places`, in file order, with room for `capacity`.
+// An item of a section.
+struct Place {
+    uint32_t record;
+    uint32_t sign; // of its name, case aside; most other names have another one
+};
+
+// Its items stand in `places`, in file order, with room for `capacity`.
 struct Section {
     size_t firstPlace;
     uint32_t record;
@@ -58,7 +64,7 @@ template <typename Element> struct Array {
 struct Profile {
     Array<Record> records;
     Array<Section> sections;
-    Array<uint32_t> places;
+    Array<Place> places;
     Index firsts;   // of each name, case aside, the first record in file order
     Index variants; // the first of each further spelling, which differs from one in `firsts` by case
     Block *blocks;
@@ -91,7 +97,7 @@ inline Section *Profile_Section(const Profile *profile, uint32_t number)
 // The record of the n-th item, n from 1 to the section's count.
 inline Record *Section_Item(const Profile *profile, const Section *section, uint32_t n)
 {
-    return Profile_Record(profile, profile->places.items[section->firstPlace + n - 1]);
+    return Profile_Record(profile, profile->places.items[section->firstPlace + n - 1].record);
 }
 
 template <typename Element> bool Array_Grow(Array<Element> *array, size_t extra)
