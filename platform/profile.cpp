@@ -4,28 +4,23 @@
 
 #include <cstring>
 
-static const Record *Section_Find(Profile *profile, const char *section)
+static const Section *Section_Find(Profile *profile, const char *section)
 {
-    const uint32_t record = Profile_Find(profile, 0, section);
-    return record == 0 ? nullptr : Profile_Record(profile, record);
+    const uint32_t number = Profile_Find(profile, 0, section);
+    return number == 0 ? nullptr : Profile_Section(profile, number);
 }
 
 static const Record *Item_Find(Profile *profile, const char *section, const char *item)
 {
-    const Record *owner = Section_Find(profile, section);
-    if (owner == nullptr)
-        return nullptr;
-    const uint32_t record = Profile_Find(profile, owner->section, item);
+    const uint32_t number = Profile_Find(profile, 0, section);
+    const uint32_t record = number == 0 ? 0 : Profile_Find(profile, number, item);
     return record == 0 ? nullptr : Profile_Record(profile, record);
 }
 
 static const Record *Item_Nth(Profile *profile, const char *section, int32_t n)
 {
-    const Record *owner = Section_Find(profile, section);
-    if (owner == nullptr)
-        return nullptr;
-    const Section *found = Profile_Section(profile, owner->section);
-    if (n < 1 || static_cast<uint32_t>(n) > found->count)
+    const Section *found = Section_Find(profile, section);
+    if (found == nullptr || n < 1 || static_cast<uint32_t>(n) > found->count)
         return nullptr;
     return Section_Item(profile, found, static_cast<uint32_t>(n));
 }
@@ -65,15 +60,14 @@ int32_t IniNthSectionName(Profile *profile, int32_t n, char **name)
 {
     if (n < 1 || static_cast<size_t>(n) > profile->sections.count)
         return 0;
-    const uint32_t record = Profile_Section(profile, static_cast<uint32_t>(n))->record;
-    *name = Profile_Record(profile, record)->name;
+    *name = Profile_Section(profile, static_cast<uint32_t>(n))->name;
     return 1;
 }
 
 int32_t IniNumberOfItems(Profile *profile, const char *section)
 {
-    const Record *found = Section_Find(profile, section);
-    return found == nullptr ? 0 : static_cast<int32_t>(Profile_Section(profile, found->section)->count);
+    const Section *found = Section_Find(profile, section);
+    return found == nullptr ? 0 : static_cast<int32_t>(found->count);
 }
 
 int32_t IniNthItemName(Profile *profile, const char *section, int32_t n, char **name)
@@ -96,10 +90,10 @@ int32_t IniNthItemPointerToString(Profile *profile, const char *section, int32_t
 
 IniItems IniItemsOf(Profile *profile, const char *section)
 {
-    const Record *found = Section_Find(profile, section);
-    if (found == nullptr)
+    const uint32_t number = Profile_Find(profile, 0, section);
+    if (number == 0)
         return {0, 0, 0};
-    return {found->section, Profile_Section(profile, found->section)->count, 0};
+    return {number, Profile_Section(profile, number)->count, 0};
 }
 
 int32_t IniTakeItem(Profile *profile, IniItems *items, char **name, char **value)
@@ -139,9 +133,8 @@ int32_t IniPutString(Profile *profile, const char *section, const char *item, co
 {
     if (!Profile_ReservePut(profile))
         return -1;
-    const uint32_t owner = Profile_FindExactly(profile, 0, section);
-    uint32_t number = owner == 0 ? 0 : Profile_Record(profile, owner)->section;
-    const bool mayReplace = owner != 0 && !profile->keepsDuplicates;
+    uint32_t number = Profile_FindExactly(profile, 0, section);
+    const bool mayReplace = number != 0 && !profile->keepsDuplicates;
     const uint32_t first = mayReplace ? Profile_FindExactly(profile, number, item) : 0;
 
     char *valueText = Profile_CopyText(profile, value);
@@ -174,7 +167,7 @@ int32_t IniFailedLine(const Profile *profile)
 
 int32_t IniSectionLine(Profile *profile, const char *section)
 {
-    const Record *found = Section_Find(profile, section);
+    const Section *found = Section_Find(profile, section);
     return found == nullptr ? 0 : found->line;
 }
 

@@ -21,9 +21,9 @@ struct Name {
 
 // Where a name stands in the index or would stand.
 struct Spot {
-    uint32_t exact; // the first record of exactly this name, or 0
-    uint32_t first; // the first record of this name but for case, or 0
-    bool isVariant; // a new record of this name enters `variants` and not `firsts`
+    uint32_t exact; // number of the first one of exactly this name, or 0
+    uint32_t first; // number of the first one of this name but for case, or 0
+    bool isVariant; // a new one of this name enters `variants` and not `firsts`
     Slot *slot;     // where, and under what hash
     uint32_t hash;
 };
@@ -92,11 +92,6 @@ static uint32_t Name_Sign(const char *text, size_t length)
     return static_cast<uint32_t>(length) << 16 | before << 8 | last;
 }
 
-static bool Record_IsUnder(const Record *record, uint32_t section)
-{
-    return (record->value == nullptr ? 0 : record->section) == section;
-}
-
 static bool Text_IsButForCase(const char *text, const char *other)
 {
     while (*text != 0 && Letter_Lower(*text) == Letter_Lower(*other)) {
@@ -106,7 +101,7 @@ static bool Text_IsButForCase(const char *text, const char *other)
     return *text == *other;
 }
 
-// How a record bears a name, from the least to the most.
+// How a section or an item bears a name, from the least to the most.
 enum Match { MatchNone, MatchButForCase, MatchExact };
 
 // Nearly all names are asked for as they were written, which is told faster.
@@ -117,9 +112,14 @@ static inline Match Text_Match(const char *text, const char *name, Match least)
     return least == MatchButForCase && Text_IsButForCase(text, name) ? MatchButForCase : MatchNone;
 }
 
-static Match Record_Match(const Record *record, const Name &name, Match least)
+static Match Owner_Match(const Profile *profile, uint32_t owner, const Name &name, Match least)
 {
-    return Record_IsUnder(record, name.section) ? Text_Match(record->name, name.text, least) : MatchNone;
+    if ((owner & SectionBit) != 0) {
+        const Section *section = Profile_Section(profile, owner & ~SectionBit);
+        return name.section == 0 ? Text_Match(section->name, name.text, least) : MatchNone;
+    }
+    const Record *record = Profile_Record(profile, owner);
+    return name.section == record->section ? Text_Match(record->name, name.text, least) : MatchNone;
 }
 
 static bool Index_Resize(Index *index, uint32_t bits)
@@ -131,10 +131,10 @@ static bool Index_Resize(Index *index, uint32_t bits)
     const size_t last = (size_t{1} << bits) - 1;
     for (size_t i = 0; index->slots != nullptr && i < size_t{1} << index->bits; ++i) {
         const Slot &slot = index->slots[i];
-        if (slot.record == 0)
+        if (slot.owner == 0)
             continue;
         size_t at = slot.hash >> (32 - bits);
-        while (slots[at].record != 0)
+        while (slots[at].owner != 0)
             at = (at + 1) & last;
         slots[at] = slot;
     }
@@ -166,8 +166,13 @@ static void Index_Clear(Index *index)
     index->count = 0;
 }
 
+static uint32_t Slot_Number(const Slot *slot)
+{
+    return slot->owner & ~SectionBit;
+}
+
 struct Found {
-    Slot *slot; // of the record that matches, or the empty one where it would stand
+    Slot *slot; // of the owner that matches, or the empty one where it would stand
     Match match;
 };
 
@@ -176,10 +181,10 @@ static Found Index_Seek(const Profile *profile, const Index *index, uint32_t has
 {
     const size_t last = (size_t{1} << index->bits) - 1;
     size_t at = hash >> (32 - index->bits);
-    while (index->slots[at].record != 0) {
+    while (index->slots[at].owner != 0) {
         Slot *slot = &index->slots[at];
         if (slot->hash == hash) {
-            const Match match = Record_Match(Profile_Record(profile, slot->record), name, least);
+            const Match match = Owner_Match(profile, slot->owner, name, least);
             if (match != MatchNone)
                 return {slot, match};
         }
@@ -194,20 +199,20 @@ static Spot Profile_Seek(const Profile *profile, const Name &name)
     const uint32_t hash = Name_Hash(profile->seed, name, CaseIgnored);
     const Found first = Index_Seek(profile, &profile->firsts, hash, name, MatchButForCase);
     if (first.match == MatchExact)
-        return {first.slot->record, first.slot->record, false, first.slot, hash};
+        return {Slot_Number(first.slot), Slot_Number(first.slot), false, first.slot, hash};
     if (first.match == MatchNone && profile->variants.count == 0)
         return {0, 0, false, first.slot, hash};
 
     const uint32_t exactHash = Name_Hash(profile->seed, name, CaseKept);
     const Found variant = Index_Seek(profile, &profile->variants, exactHash, name, MatchExact);
     if (first.match == MatchNone)
-        return {variant.slot->record, 0, false, first.slot, hash};
-    return {variant.slot->record, first.slot->record, true, variant.slot, exactHash};
+        return {Slot_Number(variant.slot), 0, false, first.slot, hash};
+    return {Slot_Number(variant.slot), Slot_Number(first.slot), true, variant.slot, exactHash};
 }
 
-static void Profile_Enter(Profile *profile, const Spot &spot, uint32_t record)
+static void Profile_Enter(Profile *profile, const Spot &spot, uint32_t owner)
 {
-    *spot.slot = {spot.hash, record};
+    *spot.slot = {spot.hash, owner};
     ++(spot.isVariant ? profile->variants : profile->firsts).count;
 }
 
@@ -216,11 +221,11 @@ static bool Profile_ReserveIndex(Profile *profile, size_t extra)
     return Index_Reserve(&profile->firsts, extra) && Index_Reserve(&profile->variants, extra);
 }
 
-// Numbers of items are handed out as int32_t, so there are no more than that.
-static bool Profile_ReserveRecords(Profile *profile, size_t extra)
+// Numbers are handed out as int32_t, so there are no more than that.
+template <typename Element> static bool Numbered_Reserve(Array<Element> *array)
 {
     constexpr size_t most = std::numeric_limits<int32_t>::max();
-    return profile->records.count + extra <= most && Array_Reserve(&profile->records, extra);
+    return array->count < most && Array_Reserve(array, 1);
 }
 
 static uint32_t Profile_NewRecord(Profile *profile, const Record &record)
@@ -282,10 +287,9 @@ static uint32_t Items_Scan(const Profile *profile, const Section *section, const
 
 static uint32_t Sections_Scan(const Profile *profile, const char *name, Match least)
 {
-    const Section *end = profile->sections.items + profile->sections.count;
-    for (const Section *section = profile->sections.items; section != end; ++section)
-        if (Text_Match(Profile_Record(profile, section->record)->name, name, least) != MatchNone)
-            return section->record;
+    for (uint32_t number = 1; number <= profile->sections.count; ++number)
+        if (Text_Match(Profile_Section(profile, number)->name, name, least) != MatchNone)
+            return number;
     return 0;
 }
 
@@ -391,8 +395,8 @@ void Profile_Clear(Profile *profile)
 
 bool Profile_ReservePut(Profile *profile)
 {
-    return Profile_ReserveRecords(profile, 2) && Profile_ReserveIndex(profile, 1) &&
-           Array_Reserve(&profile->sections, 1) && Array_Reserve(&profile->places, 1);
+    return Numbered_Reserve(&profile->records) && Profile_ReserveIndex(profile, 1) &&
+           Numbered_Reserve(&profile->sections) && Array_Reserve(&profile->places, 1);
 }
 
 uint32_t Profile_FindExactly(Profile *profile, uint32_t section, const char *name)
@@ -414,17 +418,15 @@ uint32_t Profile_Find(Profile *profile, uint32_t section, const char *name)
 
 uint32_t Profile_OpenSection(Profile *profile, char *name, size_t length, int32_t line)
 {
-    if (!Profile_ReserveRecords(profile, 1) || !Profile_ReserveIndex(profile, 1) ||
-        !Array_Reserve(&profile->sections, 1))
+    if (!Numbered_Reserve(&profile->sections) || !Profile_ReserveIndex(profile, 1))
         return 0;
     const Spot spot = Profile_Seek(profile, {name, length, 0});
     if (spot.exact != 0)
-        return Profile_Record(profile, spot.exact)->section;
+        return spot.exact;
 
-    const auto number = static_cast<uint32_t>(profile->sections.count + 1);
-    const uint32_t record = Profile_NewRecord(profile, {name, nullptr, number, line});
-    profile->sections.items[profile->sections.count++] = {profile->places.count, record, 0, 0, false};
-    Profile_Enter(profile, spot, record);
+    profile->sections.items[profile->sections.count] = {name, profile->places.count, 0, 0, line, false};
+    const auto number = static_cast<uint32_t>(++profile->sections.count);
+    Profile_Enter(profile, spot, number | SectionBit);
     return number;
 }
 
@@ -463,7 +465,7 @@ static bool Section_AddToScanned(Profile *profile, Section *section, const Recor
 bool Profile_AddItem(Profile *profile, const Record &item, size_t nameLength)
 {
     Section *section = Profile_Section(profile, item.section);
-    if (!Profile_ReserveRecords(profile, 1) || !Section_ReservePlace(profile, section))
+    if (!Numbered_Reserve(&profile->records) || !Section_ReservePlace(profile, section))
         return false;
     const Name name = {item.name, nameLength, item.section};
     return section->isIndexed ? Section_AddToIndexed(profile, section, item, name)

@@ -11,12 +11,12 @@
 #include <cstdlib>
 #include <limits>
 
-// A section or an item. Numbers of records count from 1, and 0 is none.
+// An item. Numbers of records and of sections count from 1, and 0 is none.
 struct Record {
     char *name;
-    char *value;      // null: a section
-    uint32_t section; // number of the section that it stands in, or is
-    int32_t line;     // 0 for one that was put
+    char *value;
+    uint32_t section;
+    int32_t line; // 0 for one that was put
 };
 
 // An item of a section.
@@ -27,19 +27,22 @@ struct Place {
 
 // Its items stand in `places`, in file order, with room for `capacity`.
 struct Section {
+    char *name;
     size_t firstPlace;
-    uint32_t record;
     uint32_t count;
     uint32_t capacity;
+    int32_t line;   // 0 for one that was put
     bool isIndexed; // what names its items have is in the index
 };
 
-// An open hash table from names to records: the sections, and the items of every section that has too
+constexpr uint32_t SectionBit = 0x80000000;
+
+// An open hash table from names to the sections, and to the items of every section that has too
 // many to look through; where duplicates are kept, from the first look-up by name on. The upper bits of
 // a hash are its slot, so that a table which grows is walked and filled in order.
 struct Slot {
     uint32_t hash;
-    uint32_t record; // 0: empty
+    uint32_t owner; // number of a record, or of a section with SectionBit; 0: empty
 };
 
 struct Index {
@@ -65,7 +68,7 @@ struct Profile {
     Array<Record> records;
     Array<Section> sections;
     Array<Place> places;
-    Index firsts;   // of each name, case aside, the first record in file order
+    Index firsts;   // of each name, case aside, its first owner in file order
     Index variants; // the first of each further spelling, which differs from one in `firsts` by case
     Block *blocks;
     size_t nextCapacity; // of the next block for texts that are put
@@ -130,8 +133,8 @@ void Profile_Clear(Profile *profile);
 // Sees to it that a new section and its first item can be added without a failure.
 bool Profile_ReservePut(Profile *profile);
 
-// The record of a section (`section` 0) or of an item in a section, or 0: the first of exactly this
-// name; and that one or else the first whose name differs by ASCII case alone.
+// The number of a section (`section` 0) or of the record of an item in a section, or 0: the first of
+// exactly this name; and that one or else the first whose name differs by ASCII case alone.
 uint32_t Profile_FindExactly(Profile *profile, uint32_t section, const char *name);
 uint32_t Profile_Find(Profile *profile, uint32_t section, const char *name);
 

@@ -77,7 +77,7 @@ static char *Item_Write(char *to, const Record *item)
 static char *Section_Write(char *to, const Profile *profile, const Section *section)
 {
     *to++ = '[';
-    to = Text_Write(to, Profile_Record(profile, section->record)->name);
+    to = Text_Write(to, section->name);
     *to++ = ']';
     *to++ = '\n';
     for (uint32_t n = 1; n <= section->count; ++n)
@@ -95,10 +95,11 @@ static char *Profile_Write(char *to, const Profile *profile)
     return to;
 }
 
-// At most: every byte of text escaped, and for each record quotes, the signs and the line ends around it.
+// At most: every byte of text escaped, and for each section and item quotes, the signs and the line ends
+// around it.
 static size_t Profile_WrittenSize(const Profile *profile)
 {
-    size_t size = 8 * profile->records.count;
+    size_t size = 8 * (profile->records.count + profile->sections.count);
     for (const Block *block = profile->blocks; block != nullptr; block = block->next)
         size += 2 * block->used;
     return size;

@@ -293,7 +293,7 @@ const std::pair<const char *, Operation<Bed>> canaries[] = {
 TEST(OutOfMemory, LeavesWhatWasBehindEveryExport)
 {
     Operations_Try(operations, NamesIn("platform/libvelk32.map", "", ';'));
-    OutOfMemory_Report(1106);
+    OutOfMemory_Report(1078);
 }
 
 TEST(OutOfMemory, CanariesAreReported)
