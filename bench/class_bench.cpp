@@ -23,8 +23,7 @@ void LoadClass(benchmark::State &state, const Definitions &definitions, size_t i
         VelkDiscardConfig(definitions.Open(&engine));
         VelkCloseConfigEngine(engine);
     }
-    state.counters["bytes"] = static_cast<double>(definitions.bytes);
-    state.counters["items"] = static_cast<double>(items);
+    SetSize(state, definitions, items);
 }
 
 Definitions KeysAndOptions(uint32_t keyCount)
@@ -63,6 +62,13 @@ int64_t StatusBytes(const std::string &name)
     return 0;
 }
 
+// Bytes in blocks that are not freed, those with pages of their own too.
+size_t HeldBytes()
+{
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
 // What a load takes at its peak, and what of it the class keeps.
 void ClassMemory(benchmark::State &state)
 {
@@ -72,11 +78,11 @@ void ClassMemory(benchmark::State &state)
         malloc_trim(0);
         std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew
         const int64_t residentBefore = StatusBytes("VmRSS");
-        const size_t heldBefore = mallinfo2().uordblks;
+        const size_t heldBefore = HeldBytes();
         ConfigEngine *engine;
         Config *config = definitions.Open(&engine);
         state.counters["peak"] = static_cast<double>(StatusBytes("VmHWM") - residentBefore);
-        state.counters["held"] = static_cast<double>(mallinfo2().uordblks - heldBefore);
+        state.counters["held"] = static_cast<double>(HeldBytes() - heldBefore);
         VelkDiscardConfig(config);
         VelkCloseConfigEngine(engine);
     }
