@@ -64,13 +64,21 @@ void RemoveLabelsWithoutRoom(Table *table, size_t width)
         RemoveColumn(table, 1);
 }
 
+// A number without a word may be an address or a code, which people know in base 16.
+std::string ValueCell(const Value &value, const Words &words)
+{
+    const std::string shown = Value_Shown(value, words);
+    const bool isPlain = value.kind == ValueKindNumber && Words_Of(words, value.number).empty();
+    return isPlain && value.number > 0xFF ? fmt::format("{} (0x{:X})", shown, value.number) : shown;
+}
+
 std::vector<std::string> OptionRow(const OptionState &state, const Words &words, bool hasValues)
 {
     const std::string name = Bytes_Shown(state.name);
     const std::string label = Bytes_Shown(words.label);
     if (!hasValues)
         return {name, label, "", "", Valid_KindName(state.valid.kind)};
-    const std::string value = state.status == 0 ? Value_Shown(state.value, words) : Status_Text(state.status);
+    const std::string value = state.status == 0 ? ValueCell(state.value, words) : Status_Text(state.status);
     if (state.validStatus < 0)
         return {name, label, value, Status_Text(state.validStatus), ""};
     const bool isOut = state.status == 0 && !Valid_Admits(state.valid, state.value);
