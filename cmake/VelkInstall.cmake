@@ -33,6 +33,15 @@ get_target_property(linkName velk32 OUTPUT_NAME)
 configure_file(cmake/velk32.pc.in "${PROJECT_BINARY_DIR}/velk32.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/velk32.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
+# The manual page is compressed, as Debian's policy wants it.
+if(TARGET velk)
+    install(TARGETS velk RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+    set(manualPage "${PROJECT_BINARY_DIR}/velk.1")
+    file(COPY "${PROJECT_SOURCE_DIR}/docs/velk.1" DESTINATION "${PROJECT_BINARY_DIR}")
+    execute_process(COMMAND gzip -9nf "${manualPage}" COMMAND_ERROR_IS_FATAL ANY)
+    install(FILES "${manualPage}.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+endif()
+
 set(docDir "${CMAKE_INSTALL_DATADIR}/doc/velk32")
 install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md DESTINATION "${docDir}")
 install(DIRECTORY docs/ DESTINATION "${docDir}/docs")

@@ -31,25 +31,24 @@ What boards look like, and the layers below their options.
   Memory        4096 (4 KiB)               256 (256 bytes), 512 (512 bytes),
                                            1024 (1 KiB), 2048 (2 KiB), ..,
                                            8388608 (8 MiB)
-  MemoryOffset  8192                       0 to 65535
+  MemoryOffset  8192 (0x2000)              0 to 65535
   MemoryEnable  1 (enabled)                0 (disabled), 1 (enabled)
   Passed        1 (passed)                 none
   Ready         1 (ready)                  none
   Offline       0 (in service)             0 (in service), 1 (held in reset)
-  Averages      16 readings                1 readings, 4 readings, 16 readings,
-                                           64 readings
+  Averages      16                         1, 4, 16, 64
   Label         "DIGITIZER"                any text
   TriggerLines  (0, 3)                     any list
   $ velk list -b 2>&1 | head -1
   velk: cannot read the command line: The following argument was not expected: -b; see `velk help list`.
   $ velk list --board 8 'MEM*' passed
   Board 8, class VxiDevice (.):
-  Option        Value         Valid now
-  Memory        4096 (4 KiB)  256 (256 bytes), 512 (512 bytes), 1024 (1 KiB),
-                              2048 (2 KiB), .., 8388608 (8 MiB)
-  MemoryOffset  8192          0 to 65535
-  MemoryEnable  1 (enabled)   0 (disabled), 1 (enabled)
-  Passed        1 (passed)    none
+  Option        Value          Valid now
+  Memory        4096 (4 KiB)   256 (256 bytes), 512 (512 bytes), 1024 (1 KiB),
+                               2048 (2 KiB), .., 8388608 (8 MiB)
+  MemoryOffset  8192 (0x2000)  0 to 65535
+  MemoryEnable  1 (enabled)    0 (disabled), 1 (enabled)
+  Passed        1 (passed)     none
   $ velk list --board 8 --keys
   Board 8, class VxiDevice (.):
   Key             Type      Register       Bits    Raw      Value
@@ -63,7 +62,7 @@ What boards look like, and the layers below their options.
   ModelCodeA16    value     DeviceType     15..0   0xB123   45347
   MemoryActive    bool      StatusControl  15      0x1      1
   ModuleSelected  bool      StatusControl  14      0x1      0
-  Averages        index     StatusControl  5..4    0x2      16 readings
+  Averages        index     StatusControl  5..4    0x2      16
   Ready           bool      StatusControl  3       0x1      1 (ready)
   Passed          bool      StatusControl  2       0x1      1 (passed)
   SysfailInhibit  bool      StatusControl  1       0x0      0
@@ -90,7 +89,7 @@ What boards look like, and the layers below their options.
       512 (512 bytes), 1024 (1 KiB),
       2048 (2 KiB), .., 8388608 (8 MiB)
   MemoryOffset
-    Value: 8192
+    Value: 8192 (0x2000)
     Valid now: 0 to 65535
   MemoryEnable
     Value: 1 (enabled)
@@ -145,27 +144,27 @@ What boards look like, and the layers below their options.
   Manufacturer                  161 (Example Instruments)  none
   Model                         291 (digitizer)            none
   Memory        Memory window   4096 (4 KiB)               256 (256 bytes), 512 (512 bytes), 1024 (1 KiB), 2048 (2 KiB), .., 8388608 (8 MiB)
-  MemoryOffset  Memory address  8192                       0 to 65535
+  MemoryOffset  Memory address  8192 (0x2000)              0 to 65535
   MemoryEnable                  1 (enabled)                0 (disabled), 1 (enabled)
 
 Without a board it shows what is defined.
 
   $ velk list
   Class VxiDevice (.):
-  Option        Label           Kind
-  DeviceClass                   list
-  Manufacturer                  range
-  Model                         range
-  AddressSpace                  list
-  Memory        Memory window   list
-  MemoryOffset  Memory address  range
-  MemoryEnable                  list
-  Passed                        list
-  Ready                         list
-  Offline                       list
-  Averages                      list
-  Label                         text
-  TriggerLines                  lists
+  Option        Label              Kind
+  DeviceClass                      list
+  Manufacturer                     range
+  Model                            range
+  AddressSpace                     list
+  Memory        Memory window      list
+  MemoryOffset  Memory address     range
+  MemoryEnable                     list
+  Passed                           list
+  Ready                            list
+  Offline                          list
+  Averages      Readings averaged  list
+  Label                            text
+  TriggerLines                     lists
   $ velk list --keys 'Memory*'
   Class VxiDevice (.):
   Key           Type   Register       Bits
