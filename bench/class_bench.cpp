@@ -10,13 +10,13 @@
 namespace
 {
 
-void SetSize(benchmark::State &state, const Definitions &definitions, size_t items)
+void SetSize(benchmark::State &state, const DefinitionFiles &definitions, size_t items)
 {
     state.counters["bytes"] = static_cast<double>(definitions.bytes);
     state.counters["items"] = static_cast<double>(items);
 }
 
-void LoadClass(benchmark::State &state, const Definitions &definitions, size_t items)
+void LoadClass(benchmark::State &state, const DefinitionFiles &definitions, size_t items)
 {
     for ([[maybe_unused]] auto round : state) {
         ConfigEngine *engine;
@@ -26,7 +26,7 @@ void LoadClass(benchmark::State &state, const Definitions &definitions, size_t i
     SetSize(state, definitions, items);
 }
 
-Definitions KeysAndOptions(uint32_t keyCount)
+DefinitionFiles KeysAndOptions(uint32_t keyCount)
 {
     std::string keys, options;
     for (uint32_t n = 0; n < keyCount; ++n)
@@ -73,7 +73,7 @@ size_t HeldBytes()
 void ClassMemory(benchmark::State &state)
 {
     const auto keyCount = static_cast<uint32_t>(state.range(0));
-    const Definitions definitions = KeysAndOptions(keyCount);
+    const DefinitionFiles definitions = KeysAndOptions(keyCount);
     for ([[maybe_unused]] auto round : state) {
         malloc_trim(0);
         std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew

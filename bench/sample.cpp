@@ -66,7 +66,7 @@ std::string Folder::Write(const std::string &name, const std::string &bytes) con
     return file;
 }
 
-Definitions::Definitions(const std::string &keys, const std::string &options)
+DefinitionFiles::DefinitionFiles(const std::string &keys, const std::string &options)
     : bytes(keys.size() + options.size())
 {
     (void)folder.Write("CfgClass.ini", "[C]\nAccessor = velkimage\nImage = none\nStride = 4\n"
@@ -76,7 +76,7 @@ Definitions::Definitions(const std::string &keys, const std::string &options)
     (void)folder.Write("options.ini", options);
 }
 
-Config *Definitions::Open(ConfigEngine **engine) const
+Config *DefinitionFiles::Open(ConfigEngine **engine) const
 {
     Config *config = nullptr;
     Require(VelkInitializeConfigEngine(folder.path.c_str(), engine) == 0, "open an engine");

@@ -39,11 +39,11 @@ struct Folder {
 };
 
 // A definition directory with one class, "C".
-struct Definitions {
+struct DefinitionFiles {
     Folder folder;
     size_t bytes; // of the two definition files
 
-    Definitions(const std::string &keys, const std::string &options);
+    DefinitionFiles(const std::string &keys, const std::string &options);
 
     // An engine that has loaded the class, with a configuration of it; ends the program on failure.
     Config *Open(ConfigEngine **engine) const;
@@ -51,7 +51,7 @@ struct Definitions {
 
 // A class with a loaded configuration.
 struct Sample {
-    Definitions definitions;
+    DefinitionFiles definitions;
     ConfigEngine *engine = nullptr;
     Config *config = nullptr;
 
