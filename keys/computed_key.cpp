@@ -74,7 +74,8 @@ static StatusCode VxiRequiredMemory(int32_t mode, uint32_t value, uint32_t *out,
     }
 
     if (value == AllMemory)
-        status = ReadNeededKey(config, KeyTable_Find(&config->configClass->definitions.keys, "TotalMemory"), &value);
+        status = ReadNeededKey(config, KeyTable_Find(&config->configClass->definitions.keys, "TotalMemory"),
+                               &value);
     if (status < 0)
         return status;
     *out = EncodeMemory(space, value);

@@ -200,7 +200,9 @@ static int32_t StoreName(const NameNode *node, void *context)
 StatusCode VELK_CALL VelkGetOptionNames(Config *config, const char **names, uint32_t capacity)
 {
     NamePlaces places = {names, capacity};
-    return NameTable_ForEach(&config->configClass->definitions.options, StoreName, &places) < 0 ? StatusTooFewPlaces : 0;
+    return NameTable_ForEach(&config->configClass->definitions.options, StoreName, &places) < 0
+               ? StatusTooFewPlaces
+               : 0;
 }
 
 StatusCode VELK_CALL VelkDataFromValueListRef(Config * /*config*/, const uint32_t *listRef, uint32_t *dest,
