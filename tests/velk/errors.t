@@ -16,6 +16,9 @@ Errors say what was being done, what went wrong, and what to do.
   $ velk get Memory -d vxi --board x
   velk: cannot read the board 'x'; give one or two numbers, such as 5 or 5,1.
   [2]
+  $ velk set Averages=4 -d vxi --board 8 --yes --backup ''
+  velk: cannot read the command line: --backup: it is empty; see `velk help set`.
+  [2]
   $ velk get Memory -d vxi --board 8 --file a.cfg
   velk: cannot run get with both --board and --file; give one of them.
   [2]

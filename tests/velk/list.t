@@ -185,6 +185,14 @@ Values alone, and all valid ones.
   $ velk get --board 8 --key ModelCode Ready
   291
   1
+  $ velk --board 8 get Ready ModelCode --key Passed DeviceClass
+  1
+  291
+  1
+  3
+  $ velk get --board 8 '[x]'
+  velk: cannot find the option or key '[x]': Unknown option (-9); look at `velk list` for the names.
+  [3]
   $ velk get Memory --board 8 --key
   velk: cannot find the key 'Memory': Unknown key (-13); did you mean MemoryCode, MemoryActive or MemoryOffset?
   [3]

@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <iterator>
 
@@ -91,6 +92,8 @@ struct OptionText {
     std::string Arguments::*value;
 };
 
+constexpr int MostNames = 1 << 28;
+
 constexpr uint32_t WithPlace = List | Get | Values | Set;
 
 constexpr OptionText Options[] = {
@@ -134,24 +137,30 @@ const CommandText *FindCommand(const std::string &name)
     return nullptr;
 }
 
-// Ahead of a command, too.
-bool StandsAhead(const OptionText &option)
+// Ahead of a command, too: what several commands know, and all that this one does.
+bool StandsAhead(const OptionText &option, const CommandText *command)
 {
-    return option.commands == All || option.value == &Arguments::definitions ||
-           option.value == &Arguments::className;
+    return (command != nullptr && (option.commands & command->bit) != 0) || option.commands == All ||
+           option.value == &Arguments::definitions || option.value == &Arguments::className;
+}
+
+// A script whose variable is empty would do without its board or, worse, its backup.
+std::string RequireText(const std::string &text)
+{
+    return text.empty() ? "it is empty" : "";
 }
 
 void AddOption(CLI::App *app, const OptionText &option, Arguments *arguments)
 {
     if (option.flag != nullptr) {
-        app->add_flag(option.names, arguments->*option.flag);
+        app->add_flag(option.names, arguments->*option.flag)->disable_flag_override();
         return;
     }
     CLI::Option *added = app->add_option(option.names, arguments->*option.value);
     if (option.value == &Arguments::key)
         added->expected(0, 1);
     else
-        added->expected(1);
+        added->expected(1)->check(RequireText);
 }
 
 // The command that is called alone gets its options: a script calls this program often.
@@ -164,27 +173,48 @@ void AddCommand(CLI::App *app, const CommandText &command, bool isCalled, Argume
     for (const OptionText &option : Options)
         if ((option.commands & command.bit) != 0)
             AddOption(added, option, arguments);
-    added->add_option("NAMES", arguments->names);
+    // As many as there are, but none for more than one: the parser would take a pattern in brackets for a
+    // list.
+    added->add_option("NAMES", arguments->names)
+        ->expected(MostNames)
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
-bool IsAmong(const char *name, int argc, char **argv)
+// Where --key stands, or `argc`: nowhere.
+int KeyPosition(int argc, char **argv)
 {
     for (int n = 1; n < argc; ++n)
-        if (name == std::string_view(argv[n]))
-            return true;
-    return false;
+        if (argv[n] == std::string_view("--key") || std::string_view(argv[n]).starts_with("--key="))
+            return n;
+    return argc;
+}
+
+// How many of the names stand ahead of a position.
+size_t NamesAhead(const std::vector<std::string> &names, int position, char **argv)
+{
+    size_t ahead = 0;
+    for (int n = 1; n < position && ahead < names.size(); ++n)
+        if (argv[n] == names[ahead])
+            ++ahead;
+    return ahead;
 }
 
 // Behind --key stands the key of a save file, if there is one. On a board it only says that names are those
-// of keys, and what stands behind it is the first of them.
-void SettleKey(Arguments *arguments)
+// of keys, and what stands behind it is one of them.
+void SettleKey(Arguments *arguments, int argc, char **argv)
 {
+    const int position = KeyPosition(argc, argv);
+    arguments->hasKey = position < argc;
     if (!arguments->hasKey || (arguments->command != "get" && arguments->command != "set") ||
         !arguments->file.empty())
         return;
     arguments->areKeys = true;
-    if (!arguments->key.empty())
-        arguments->names.insert(arguments->names.begin(), arguments->key);
+    if (!arguments->key.empty()) {
+        const size_t ahead = NamesAhead(arguments->names, position, argv);
+        arguments->names.insert(arguments->names.begin() + static_cast<std::ptrdiff_t>(ahead),
+                                arguments->key);
+    }
     arguments->key.clear();
 }
 
@@ -248,12 +278,26 @@ Failure UsageFailure(const CLI::ParseError &error, const Arguments &arguments)
     Fail(failure);
 }
 
+// Whether an option, by one of its names, has something behind it, other than --key, which may have nothing.
+bool WantsArgument(std::string_view word)
+{
+    for (const OptionText &option : Options) {
+        const std::string_view names = option.names;
+        const size_t comma = std::min(names.find(','), names.size());
+        const bool isIt =
+            word == names.substr(0, comma) || (comma < names.size() && word == names.substr(comma + 1));
+        if (isIt && option.argument != nullptr && option.value != &Arguments::key)
+            return true;
+    }
+    return false;
+}
+
 // The first word that is no option, nor what stands behind one.
 std::string CalledCommand(int argc, char **argv)
 {
     for (int n = 1; n < argc; ++n) {
         const std::string_view word = argv[n];
-        if (word == "-d" || word == "--definitions" || word == "-c" || word == "--class")
+        if (WantsArgument(word))
             ++n;
         else if (!word.starts_with('-'))
             return std::string(word);
@@ -266,7 +310,7 @@ std::string CalledCommand(int argc, char **argv)
 bool Arguments_WantJson(int argc, char **argv)
 {
     for (int n = 1; n < argc && std::string_view(argv[n]) != "--"; ++n)
-        if (std::string_view(argv[n]) == "--json")
+        if (argv[n] == std::string_view("--json") || std::string_view(argv[n]).starts_with("--json="))
             return true;
     return false;
 }
@@ -275,7 +319,8 @@ Arguments Arguments_Parse(int argc, char **argv)
 {
     Arguments arguments;
     arguments.command = CalledCommand(argc, argv);
-    if (!arguments.command.empty() && FindCommand(arguments.command) == nullptr)
+    const CommandText *called = FindCommand(arguments.command);
+    if (!arguments.command.empty() && called == nullptr)
         FailUnknownCommand(arguments.command);
 
     CLI::App app;
@@ -283,17 +328,16 @@ Arguments Arguments_Parse(int argc, char **argv)
     app.require_subcommand(0, 1);
     app.add_flag("--version,-V", arguments.wantsVersion);
     for (const OptionText &option : Options)
-        if (StandsAhead(option))
+        if (StandsAhead(option, called))
             AddOption(&app, option, &arguments);
     for (const CommandText &command : Commands)
-        AddCommand(&app, command, command.name == arguments.command, &arguments);
+        AddCommand(&app, command, &command == called, &arguments);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
         throw UsageFailure(error, arguments);
     }
-    arguments.hasKey = IsAmong("--key", argc, argv) || !arguments.key.empty();
-    SettleKey(&arguments);
+    SettleKey(&arguments, argc, argv);
     if (!arguments.wantsHelp && !arguments.wantsVersion)
         CheckNames(arguments);
     return arguments;
