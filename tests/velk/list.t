@@ -81,6 +81,21 @@ What boards look like, and the layers below their options.
   0x0010000C  FittedMemory   number  0x00010000
   0x0B000010  Label          text    "DIGITIZER"
   0x0F000020  TriggerLines   list    (0, 3)
+  $ velk list --board 8 --registers offset '0x0[BF]*'
+  Board 8, class VxiDevice (.):
+  Register    Name          Kind    Value
+  0x00100006  Offset        number  0x00002000
+  0x0B000010  Label         text    "DIGITIZER"
+  0x0F000020  TriggerLines  list    (0, 3)
+  $ velk list --board 8 --registers Ofset
+  velk: cannot find the register 'Ofset': Virtual register not found (-3); did you mean Offset?
+  [3]
+  $ velk list --board 8 memory Redy
+  velk: cannot find the option 'Redy': Unknown option (-9); did you mean Ready?
+  [3]
+  $ velk list --board 8 --registers --keys
+  velk: cannot list keys and registers at once; give --keys or --registers.
+  [2]
   $ COLUMNS=40 velk list --board 8 'mem*'
   Board 8, class VxiDevice (.):
   Memory

@@ -40,11 +40,9 @@ constexpr CommandText Commands[] = {
     {Classes, "classes", "", "Shows the classes of boards that the definitions describe.",
      "For each class its accessor, its files, and how many keys and options they define.", "velk classes\n"},
     {List, "list", "[PATTERN...]", "Shows each option: its value, and the values that are valid now.",
-     "Only options whose names match a PATTERN, such as 'Mem*', whatever the case of its letters. Of many "
-     "valid "
-     "values the middle is left out: `velk values` shows them all. Without --board or --file it shows what "
-     "is "
-     "defined.",
+     "Only options, keys or registers whose names match a PATTERN, such as 'Mem*', whatever the case of its "
+     "letters. Of many valid values the middle is left out: `velk values` shows them all. Without --board "
+     "or --file it shows what is defined.",
      "velk list --board 8\n"
      "velk list --board 8 'Mem*'\n"
      "velk list --board 8 --keys\n"

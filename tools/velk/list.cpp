@@ -24,20 +24,34 @@ struct Listing {
 
 constexpr char LabelHead[] = "Label";
 
-std::vector<std::string> Matching(const std::vector<std::string> &names, const Arguments &arguments)
+bool Matches(const std::string &pattern, const std::string &name)
 {
-    if (arguments.names.empty())
-        return names;
-    std::vector<std::string> matching;
-    for (const std::string &name : names)
-        if (std::any_of(arguments.names.begin(), arguments.names.end(), [&](const std::string &pattern) {
-                return fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD) == 0;
-            }))
-            matching.push_back(name);
-    if (matching.empty())
-        Fail_Unknown(arguments.areKeys ? "key" : "option", arguments.names[0], names,
-                     arguments.areKeys ? StatusUnknownKey : StatusUnknownOption);
-    return matching;
+    return fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD) == 0;
+}
+
+bool MatchesAny(const std::vector<std::string> &patterns, const std::string &name)
+{
+    return patterns.empty() || std::any_of(patterns.begin(), patterns.end(), [&](const std::string &pattern) {
+               return Matches(pattern, name);
+           });
+}
+
+// A pattern that matches nothing is a mistyped name.
+void RequireMatches(const std::vector<std::string> &names, const std::vector<std::string> &patterns,
+                    const char *what, StatusCode code)
+{
+    for (const std::string &pattern : patterns)
+        if (std::none_of(names.begin(), names.end(),
+                         [&](const std::string &name) { return Matches(pattern, name); }))
+            Fail_Unknown(what, pattern, names, code);
+}
+
+std::vector<std::string> Matching(std::vector<std::string> names, const Arguments &arguments)
+{
+    RequireMatches(names, arguments.names, arguments.areKeys ? "key" : "option",
+                   arguments.areKeys ? StatusUnknownKey : StatusUnknownOption);
+    std::erase_if(names, [&](const std::string &name) { return !MatchesAny(arguments.names, name); });
+    return names;
 }
 
 void RemoveColumn(Table *table, size_t column)
@@ -187,6 +201,23 @@ void ListKeys(const Listing &listing)
     Output_Table(listing.output, table);
 }
 
+// A pattern is for the id of a register or for its name.
+std::vector<Register> MatchingRegisters(const Listing &listing,
+                                        const std::map<uint32_t, std::string> &symbols)
+{
+    const std::vector<std::string> &patterns = listing.arguments.names;
+    std::vector<Register> matching;
+    std::vector<std::string> names;
+    for (const Register &slot : Config_Registers(listing.config)) {
+        names.push_back(RegisterName(slot.id, slot.instance, {}));
+        names.push_back(RegisterName(slot.id, slot.instance, symbols));
+        if (MatchesAny(patterns, names.end()[-2]) || MatchesAny(patterns, names.back()))
+            matching.push_back(slot);
+    }
+    RequireMatches(names, patterns, "register", StatusVRegNotFound);
+    return matching;
+}
+
 void ListRegisters(const Listing &listing)
 {
     const std::map<uint32_t, std::string> symbols =
@@ -194,7 +225,7 @@ void ListRegisters(const Listing &listing)
     Table table = {{"Register", "Name", "Kind", "Value", "Mark"}, {}};
     if (listing.output->isJson)
         listing.output->document["registers"] = Json::array();
-    for (const Register &slot : Config_Registers(listing.config)) {
+    for (const Register &slot : MatchingRegisters(listing, symbols)) {
         static constexpr const char *kinds[] = {"number", "list", "text"};
         const auto symbol = symbols.find(slot.id);
         const bool isNumber = slot.value.kind == ValueKindNumber;
@@ -204,8 +235,9 @@ void ListRegisters(const Listing &listing)
              isNumber ? fmt::format("0x{:08X}", slot.value.number) : Value_Shown(slot.value, {}),
              slot.isModified ? "modified" : ""});
         if (listing.output->isJson) {
-            Json json = {
-                {"id", slot.id}, {"instance", slot.instance}, {"value", Json_OfValue(slot.value, {})}};
+            Json json = {{"id", slot.id}, {"instance", slot.instance}};
+            Json_PutText(&json, "name", symbol == symbols.end() ? "" : symbol->second);
+            json["value"] = Json_OfValue(slot.value, {});
             json["modified"] = slot.isModified;
             listing.output->document["registers"].push_back(json);
         }
@@ -218,6 +250,8 @@ void ListRegisters(const Listing &listing)
 
 ExitStatus Run_List(const Arguments &arguments, Output *output)
 {
+    if (arguments.areKeys && arguments.areRegisters)
+        throw Failure{ExitUsage, "cannot list keys and registers at once", "give --keys or --registers"};
     const Session session = Arguments_Session(arguments);
     const Place place = Arguments_Place(arguments, session.className, arguments.areRegisters);
     const bool hasValues = place.kind != Place::Nowhere;
