@@ -19,24 +19,24 @@ constexpr size_t UsualWidth = 80;
 constexpr size_t LeastWidth = 20;
 
 // What COLUMNS states, or else the terminal.
-size_t TerminalWidth()
+size_t TerminalWidth(int descriptor)
 {
     const char *columns = getenv("COLUMNS");
     uint32_t stated = 0;
     if (columns != nullptr && Number_Read(columns, &stated) && stated > 0)
         return std::max<size_t>(stated, LeastWidth);
     winsize size = {};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+    if (ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
         return std::max<size_t>(size.ws_col, LeastWidth);
     return UsualWidth;
 }
 
-bool IsColoured()
+bool IsColoured(int descriptor)
 {
     const char *off = getenv("NO_COLOR");
     const char *terminal = getenv("TERM");
     return (off == nullptr || *off == '\0') && terminal != nullptr && strcmp(terminal, "dumb") != 0 &&
-           isatty(STDOUT_FILENO) == 1;
+           isatty(descriptor) == 1;
 }
 
 } // namespace
@@ -45,14 +45,20 @@ Output Output_Make(bool isJson)
 {
     Output output;
     output.isJson = isJson;
-    output.width = TerminalWidth();
-    output.isColoured = IsColoured();
+    output.width = TerminalWidth(STDOUT_FILENO);
+    output.isColoured = IsColoured(STDOUT_FILENO);
     if (isJson) {
         output.document = {{"schema", 1}};
         output.document["command"] = nullptr;
         output.document["warnings"] = Json::array();
     }
     return output;
+}
+
+void Output_LayOutForErrors(Output *output)
+{
+    output->width = TerminalWidth(STDERR_FILENO);
+    output->isColoured = IsColoured(STDERR_FILENO);
 }
 
 void Output_Table(Output *output, const Table &table)

@@ -21,8 +21,11 @@ struct Output {
     Json document = Json::object();
 };
 
-// Looks at the terminal and the environment.
+// Looks at the terminal of standard output and at the environment.
 Output Output_Make(bool isJson);
+
+// What follows is laid out for standard error.
+void Output_LayOutForErrors(Output *output);
 
 void Output_Table(Output *output, const Table &table);
 

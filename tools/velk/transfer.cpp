@@ -45,7 +45,7 @@ ExitStatus Run_Save(const Arguments &arguments, Output *output)
 
 ExitStatus Run_Load(const Arguments &arguments, Output *output)
 {
-    Write_CheckAnswer(arguments, *output);
+    Write_Prepare(arguments, output);
     const Session session = Arguments_Session(arguments);
     const Place board = Arguments_Place(arguments, session.className, true);
     const Place file = FileOf(arguments, session);

@@ -162,14 +162,15 @@ void StoreAndReadBack(const Change &change, const std::vector<Register> &changed
 
 } // namespace
 
-void Write_CheckAnswer(const Arguments &arguments, const Output &output)
+void Write_Prepare(const Arguments &arguments, Output *output)
 {
-    if (arguments.isYes || arguments.isDryRun || (!output.isJson && CanAsk(arguments)))
-        return;
-    throw Failure{ExitUsage,
-                  fmt::format("cannot ask whether to write: {}",
-                              output.isJson ? "--json asks nothing" : "this is no terminal"),
-                  "say --yes to write, or --dry-run to look"};
+    if (!arguments.isYes && !arguments.isDryRun && (output->isJson || !CanAsk(arguments)))
+        throw Failure{ExitUsage,
+                      fmt::format("cannot ask whether to write: {}",
+                                  output->isJson ? "--json asks nothing" : "this is no terminal"),
+                      "say --yes to write, or --dry-run to look"};
+    if (!arguments.isDryRun)
+        Output_LayOutForErrors(output);
 }
 
 void Write_Run(const Change &change, Output *output)

@@ -15,8 +15,9 @@ struct Change {
     std::string doing; // "set Speed=20 on board 5"
 };
 
-// Refuses, as a matter of usage, a command that could neither ask nor was told not to.
-void Write_CheckAnswer(const Arguments &arguments, const Output &output);
+// Refuses, as a matter of usage, a command that could neither ask nor was told not to. What the others come
+// to is laid out for where they show it.
+void Write_Prepare(const Arguments &arguments, Output *output);
 
 // Shows what `output` has to say so far; unless this is a dry run, asks, saves the backup, writes, reads back
 // and compares. What then is true is said behind it. Throws where nothing, or not what was meant, is on the
