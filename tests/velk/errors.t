@@ -126,6 +126,8 @@ Standard output and standard error that take nothing.
   $ velk status 1 >/dev/full
   velk: cannot write to standard output: No space left on device; what it should have said is lost, so run the command again.
   [2]
+  $ velk set Averages=1 -c VxiDevice -d vxi --board 8 --yes 2>&1 >/dev/full | tail -1
+  velk: cannot write to standard output: No space left on device; what it should have said is lost, but this is true: written and read back.
   $ velk status 1 >&-
   velk: cannot write to standard output: Bad file descriptor; what it should have said is lost, so run the command again.
   [2]

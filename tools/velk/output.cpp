@@ -1,6 +1,7 @@
 #include "tools/velk/output.h"
 
 #include "tools/velk/bytes.h"
+#include "tools/velk/signals.h"
 
 #include <fmt/format.h>
 
@@ -131,6 +132,15 @@ bool Stream_Write(int descriptor, const std::string &text)
     return true;
 }
 
+// What the command did stands, whoever heard of it.
+static std::string WhatIsLost(const Output &output)
+{
+    if (output.document.contains("outcome"))
+        return "what it should have said is lost, but this is true: " +
+               output.document["outcome"]["result"].get<std::string>();
+    return "what it should have said is lost, so run the command again";
+}
+
 ExitStatus Output_Finish(Output *output, ExitStatus status)
 {
     if (output->isJson) {
@@ -138,12 +148,11 @@ ExitStatus Output_Finish(Output *output, ExitStatus status)
             output->document["error"] = nullptr;
         output->text = Document_Text(output->document);
     }
+    Signals_Wait(); // else half of it would stand ahead of the words of an interrupt
     if (Stream_Write(STDOUT_FILENO, output->text))
         return status;
-    Stream_Write(STDERR_FILENO,
-                 fmt::format("velk: cannot write to standard output: {}; what it should have said is "
-                             "lost, so run the command again.\n",
-                             strerror(errno)));
+    Stream_Write(STDERR_FILENO, fmt::format("velk: cannot write to standard output: {}; {}.\n",
+                                            strerror(errno), WhatIsLost(*output)));
     return status == ExitDone || status == ExitDiffers ? ExitUsage : status;
 }
 

@@ -8,7 +8,7 @@
 // ExitInterrupted. A pipe that closes is an error of writing, and no signal.
 void Signals_Catch(const std::string &output, const std::string &error);
 
-// From here on interrupts are let be: a write is under way, and what it comes to is about to be said.
+// From here on interrupts are let be: a write is under way, or what it comes to is being said.
 void Signals_Wait();
 
 #endif
