@@ -84,6 +84,11 @@ std::string Status_Text(StatusCode code)
     return fmt::format("{} ({})", Status_Message(code), code);
 }
 
+bool Status_IsAccessors(StatusCode code)
+{
+    return code <= -100 && code > -200;
+}
+
 Failure Failure_Of(ExitStatus exit, const std::string &doing, StatusCode code)
 {
     const char *advice = Find(Advice, code);

@@ -34,6 +34,9 @@ std::string Status_Text(StatusCode code);
 // The message alone. Codes for which the engine has no text get one here.
 std::string Status_Message(StatusCode code);
 
+// Whether a code is the answer of the accessor, whoever asked it.
+bool Status_IsAccessors(StatusCode code);
+
 // A failure of the engine or, where `exit` says so, of a board: "cannot DOING: MESSAGE (CODE)", with what to
 // do about the code.
 Failure Failure_Of(ExitStatus exit, const std::string &doing, StatusCode code);

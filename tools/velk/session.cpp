@@ -63,9 +63,7 @@ static void LoadClass(const Session &session, Config **config)
     const StatusCode status = VelkCreateConfig(session.engine.get(), session.className.c_str(), config);
     if (status >= 0)
         return;
-    // Codes of this range are the answer of the accessor to its settings.
-    const bool isAccessors = status <= -100 && status > -200;
-    Failure failure = Failure_Of(isAccessors ? ExitBoard : ExitEngine,
+    Failure failure = Failure_Of(Status_IsAccessors(status) ? ExitBoard : ExitEngine,
                                  fmt::format("load the class {} of {}", Bytes_Shown(session.className),
                                              Bytes_Shown(session.catalogue.directory)),
                                  status);
@@ -125,7 +123,9 @@ StatusCode Config_Load(Config *config, const Place &place)
     // A board that was read with a warning is not loaded.
     if (status == 0 || (status > 0 && VelkIsConfigLoaded(config) == 1))
         return status;
-    const bool isBoards = place.kind == Place::Board && status != StatusOutOfMemory;
+    // The accessor has a part in save files, too.
+    const bool isBoards =
+        Status_IsAccessors(status) || (place.kind == Place::Board && status != StatusOutOfMemory);
     Failure failure = Failure_Of(isBoards ? ExitBoard : ExitEngine, "read " + Place_Shown(place), status);
     if (place.kind == Place::SaveFile && status == StatusBadFile)
         failure.next = ExplainBadFile(place.file, failure.next);
