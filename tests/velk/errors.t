@@ -112,6 +112,10 @@ Definitions that are not there, or broken.
   $ velk list -d board
   velk: cannot load the class Board of board: Unable to load key definitions (-205); mend a definition in keys.ini.
   [3]
+  $ sed -i 's/Vlaue/Value/' board/keys.ini; sed -i 's/Mode:1/Moed:1/' board/options.ini
+  $ velk list -d board
+  velk: cannot load the class Board of board: Unknown option (-9); in options.ini mend an option without keys or rules, one that rules test and nothing defines, or rules that test each other in a circle.
+  [3]
   $ sed -i 's/velkimage/nosuch/' board/CfgClass.ini
   $ velk list -d board
   velk: cannot load the class Board of board: Unable to load hardware accessor for this configuration class (-204); install the module 'nosuch' that the catalogue names as its Accessor.

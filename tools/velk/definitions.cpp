@@ -118,6 +118,11 @@ std::map<uint32_t, std::string> Catalogue_Symbols(const Catalogue &catalogue, co
 
 std::string Definitions_Explain(const Catalogue &catalogue, const std::string &className, StatusCode status)
 {
+    // Each file loads; its options do not fit together.
+    if (status == StatusUnknownOption)
+        return fmt::format("in {} mend an option without keys or rules, one that rules test and nothing "
+                           "defines, or rules that test each other in a circle",
+                           Names_Join(Catalogue_Files(catalogue, className, "Options"), " or "));
     if (status != StatusKeyLoadFailed && status != StatusOptionLoadFailed)
         return {};
     const bool areKeys = status == StatusKeyLoadFailed;
