@@ -102,6 +102,13 @@ A value that moves, and why.
   Option  Asked  Stored  Was
   Rate    100    96      100
   Board 5: not written. 1 register would change.
+  $ velk set Flag=2 --board 5 --dry-run
+  velk: set Flag=2 on board 5: 2 is valid now, but its keys cannot hold it, and would become 0.
+    Valid: 0 to 2.
+  Working copy of board 5, class Board (.):
+  Option  Asked  Stored  Was
+  Flag    2      0       0
+  Board 5: not written, since nothing changes.
   $ velk set Mode=2 --board 5 --yes
   Working copy of board 5, class Board (.):
   Option  Asked  Stored  Was
@@ -265,8 +272,11 @@ From a file, and from standard input.
   $ printf 'Mode=4\nSpeed\n' | velk set --from - --board 0 --yes
   velk: cannot read 'Speed' in line 2 of standard input; give NAME=VALUE.
   [2]
+  $ velk set --from . --board 0 --yes
+  velk: cannot read .: Is a directory; give a file of NAME=VALUE lines.
+  [2]
   $ velk set --from nowhere --board 0 --yes
-  velk: cannot open nowhere; give a file of NAME=VALUE lines.
+  velk: cannot open nowhere: No such file or directory; give a file of NAME=VALUE lines.
   [2]
 
 Keys, and what hangs on them.

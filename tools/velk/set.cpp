@@ -8,6 +8,8 @@
 
 #include <fmt/format.h>
 
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <iostream>
 
@@ -64,7 +66,7 @@ void ReadLines(std::istream &stream, const std::string &name, std::vector<Assign
         assignments->back().text = Bytes_Trimmed(assignments->back().text);
     }
     if (stream.bad())
-        throw Failure{ExitUsage, fmt::format("cannot read {}", Bytes_Shown(name)),
+        throw Failure{ExitUsage, fmt::format("cannot read {}: {}", Bytes_Shown(name), strerror(errno)),
                       "give a file of NAME=VALUE lines"};
 }
 
@@ -76,7 +78,8 @@ std::vector<Assignment> ReadAssignments(const Arguments &arguments)
     } else if (!arguments.from.empty()) {
         std::ifstream file(arguments.from, std::ios::binary);
         if (!file)
-            throw Failure{ExitUsage, fmt::format("cannot open {}", Bytes_Shown(arguments.from)),
+            throw Failure{ExitUsage,
+                          fmt::format("cannot open {}: {}", Bytes_Shown(arguments.from), strerror(errno)),
                           "give a file of NAME=VALUE lines"};
         ReadLines(file, arguments.from, &assignments);
     }
@@ -120,8 +123,12 @@ void TellOptionMoved(const Setting &setting, const Assignment &assignment, const
             details);
     else
         TellMoved(setting,
-                  fmt::format("{}: {} is not valid now and would become {}", Doing(setting, assignment),
-                              Value_Shown(assignment.asked, assignment.words), stored),
+                  fmt::format("{}: {} {} and would become {}", Doing(setting, assignment),
+                              Value_Shown(assignment.asked, assignment.words),
+                              Valid_Admits(before.valid, assignment.asked)
+                                  ? "is valid now, but its keys cannot hold it,"
+                                  : "is not valid now",
+                              stored),
                   details);
 }
 

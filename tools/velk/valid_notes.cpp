@@ -47,7 +47,7 @@ std::string Valid_NoteOnMove(const ValidNow &valid, const Value &asked, const Va
 {
     if (EndsOffGrid(valid) && (stored.number == valid.high || asked.number == valid.high))
         return NoteOnHigh(valid);
-    if (valid.kind != ValidKindList || stored.number < asked.number)
+    if (valid.kind != ValidKindList || stored.number < asked.number || Valid_Admits(valid, asked))
         return {};
     for (const uint32_t number : valid.numbers)
         if (DistanceOf(number, asked.number) < DistanceOf(stored.number, asked.number))
