@@ -196,7 +196,7 @@ Json Json_OfValue(const Value &value, const Words &words)
         PutNumber(&json, value.number, words);
     } else if (value.kind == ValueKindList) {
         json["kind"] = "list";
-        json["list"] = value.isMissing ? Json() : Json(value.list);
+        json["list"] = value.list;
     } else {
         json["kind"] = "text";
         json["text"] = nullptr;

@@ -176,15 +176,6 @@ OptionState Config_Option(Config *config, const std::string &name)
     return state;
 }
 
-std::vector<OptionState> Config_Options(Config *config, const std::vector<std::string> &names)
-{
-    std::vector<OptionState> states;
-    states.reserve(names.size());
-    for (const std::string &name : names)
-        states.push_back(Config_Option(config, name));
-    return states;
-}
-
 static int32_t KindOf(uint32_t id)
 {
     const uint32_t nibble = id >> 24 & 0xF;

@@ -80,7 +80,6 @@ ConfigHandle Config_Copy(const Session &session, Config *config);
 std::vector<std::string> Session_OptionNames(const Session &session);
 
 OptionState Config_Option(Config *config, const std::string &name);
-std::vector<OptionState> Config_Options(Config *config, const std::vector<std::string> &names);
 std::vector<Register> Config_Registers(Config *config);
 
 // The registers of the second that are others than in the first, or missing there.
