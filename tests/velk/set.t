@@ -307,6 +307,16 @@ Into a save file.
   Mode    9      9       0
   1 register changes.
   Save file a.cfg: 1 register, written and read back.
+  $ velk set Mode=8 --file a.cfg --yes --backup ./a.cfg
+  velk: cannot set Mode=8 on save file a.cfg: the backup would be the same file, ./a.cfg; give another one to --backup.
+  [2]
+  $ velk load a.cfg --board 0 --yes --backup a.cfg
+  velk: cannot load a.cfg into board 0: the backup would be the same file, a.cfg; give another one to --backup.
+  [2]
+  $ velk set Mode=9 --file a.cfg --yes --backup b.cfg 2>&1 | tail -2; ls b.cfg
+  What was there is saved to b.cfg.
+  Save file a.cfg: not written, since nothing changes.
+  b.cfg
   $ velk get Mode --file a.cfg
   9
   $ velk set Mode=9 --file a.cfg --yes

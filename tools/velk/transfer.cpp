@@ -64,6 +64,6 @@ ExitStatus Run_Load(const Arguments &arguments, Output *output)
         output->document["dryRun"] = arguments.isDryRun;
         Report_PutJson(report, session, output);
     }
-    Write_Run({session, arguments, board, before.get(), after.get(), doing}, output);
+    Write_Run({session, arguments, board, before.get(), after.get(), doing, file.file}, output);
     return ExitDone;
 }

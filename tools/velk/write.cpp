@@ -8,6 +8,7 @@
 #include <iostream>
 #include <set>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -44,10 +45,28 @@ void Show(Output *output)
     output->text.clear();
 }
 
+bool IsSameFile(const std::string &first, const std::string &second)
+{
+    struct stat one, other;
+    return stat(first.c_str(), &one) == 0 && stat(second.c_str(), &other) == 0 &&
+           one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+// It would be written over, or be what is loaded.
+void RequireOwnBackup(const Change &change)
+{
+    const std::string &file = change.arguments.backup;
+    if (IsSameFile(file, change.target.file) || IsSameFile(file, change.loaded))
+        throw Failure{
+            ExitUsage,
+            fmt::format("cannot {}: the backup would be the same file, {}", change.doing, Bytes_Shown(file)),
+            "give another one to --backup"};
+}
+
 void SaveBackup(const Change &change, Output *output)
 {
     const std::string &file = change.arguments.backup;
-    if (file.empty())
+    if (file.empty() || change.arguments.isDryRun)
         return;
     const std::string &key =
         change.target.kind == Place::SaveFile ? change.target.key : change.session.className;
@@ -175,9 +194,12 @@ void Write_Prepare(const Arguments &arguments, Output *output)
 
 void Write_Run(const Change &change, Output *output)
 {
+    RequireOwnBackup(change);
     const std::vector<Register> changed =
         Registers_Changed(Config_Registers(change.before), Config_Registers(change.after));
     if (changed.empty()) {
+        Signals_Wait();
+        SaveBackup(change, output);
         PutResult(output, false, false, 0, "not written");
         Output_Line(output,
                     Bytes_Capital(Place_Shown(change.target)) + ": not written, since nothing changes.");

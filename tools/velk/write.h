@@ -10,9 +10,10 @@ struct Change {
     const Session &session;
     const Arguments &arguments;
     Place target;
-    Config *before;    // what the target holds
-    Config *after;     // what it is to hold
-    std::string doing; // "set Speed=20 on board 5"
+    Config *before;          // what the target holds
+    Config *after;           // what it is to hold
+    std::string doing;       // "set Speed=20 on board 5"
+    std::string loaded = {}; // the save file that `after` comes from, if it does
 };
 
 // Refuses, as a matter of usage, a command that could neither ask nor was told not to. What the others come
