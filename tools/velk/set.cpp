@@ -290,8 +290,8 @@ void Tell(const Setting &setting, const Place &place, const std::vector<Assignme
 
 ExitStatus Run_Set(const Arguments &arguments, Output *output)
 {
-    std::vector<Assignment> assignments = ReadAssignments(arguments);
     Write_Prepare(arguments, output);
+    std::vector<Assignment> assignments = ReadAssignments(arguments);
     const Session session = Arguments_Session(arguments);
     const Place place = Arguments_Place(arguments, session.className, true);
     const ConfigHandle before = Place_Load(session, arguments, place, output);

@@ -183,6 +183,7 @@ void StoreAndReadBack(const Change &change, const std::vector<Register> &changed
 
 void Write_Prepare(const Arguments &arguments, Output *output)
 {
+    PutResult(output, false, false, 0, "not written");
     if (!arguments.isYes && !arguments.isDryRun && (output->isJson || !CanAsk(arguments)))
         throw Failure{ExitUsage,
                       fmt::format("cannot ask whether to write: {}",

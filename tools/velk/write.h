@@ -16,8 +16,8 @@ struct Change {
     std::string loaded = {}; // the save file that `after` comes from, if it does
 };
 
-// Refuses, as a matter of usage, a command that could neither ask nor was told not to. What the others come
-// to is laid out for where they show it.
+// What is true until something is written: nothing is. Refuses, as a matter of usage, a command that could
+// neither ask nor was told not to. What the others come to is laid out for where they show it.
 void Write_Prepare(const Arguments &arguments, Output *output);
 
 // Shows what `output` has to say so far; unless this is a dry run, asks, saves the backup, writes, reads back
