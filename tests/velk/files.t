@@ -111,7 +111,7 @@ What the engine does not look at.
   velk: cannot read save file broken.cfg: Invalid file format (-4); mend its line 1.
   [3]
   $ velk get Mode --file nowhere.cfg
-  velk: cannot read save file nowhere.cfg: Invalid file format (-4); it cannot be opened: No such file or directory.
+  velk: cannot read save file nowhere.cfg: Invalid file format (-4); look whether it is there and may be read: No such file or directory.
   [3]
   $ velk save /nowhere/one.cfg --board 1
   velk: cannot save board 1 to /nowhere/one.cfg: Error writing file (-6); look at the rights and the room of its directory.

@@ -218,6 +218,9 @@ Values in their notations.
   $ velk set 'Lines=::' --board 0 --yes
   velk: cannot read the list for Lines: Invalid format for a number (-10); give one such as (1, 2, :4:2:10).
   [2]
+  $ velk set 'Lines=:0:1:0xFFFFFFF' --board 0 --yes
+  velk: cannot read the list for Lines: Out of memory (-1); give a shorter one.
+  [2]
   $ velk set Mode=09 --board 0 --yes
   velk: cannot read the value for Mode: '09' is no 32-bit number and none of its words; look at `velk values` for the words.
   [2]

@@ -106,7 +106,7 @@ ConfigHandle Session_NewConfig(const Session &session)
 static std::string ExplainBadFile(const std::string &path, const std::string &otherwise)
 {
     if (access(path.c_str(), R_OK) != 0)
-        return fmt::format("it cannot be opened: {}", strerror(errno));
+        return fmt::format("look whether it is there and may be read: {}", strerror(errno));
     const ProfileHandle file = Profile_Make();
     IniReadFromFile(file.get(), path.c_str());
     const int32_t line = IniFailedLine(file.get());

@@ -141,7 +141,8 @@ std::vector<uint32_t> ParseList(const std::string &text, const Words &words, con
     const StatusCode status = NumberList_Parse(notation.data(), &list, Append, &numbersLeft);
     if (status < 0)
         throw Failure{ExitUsage, fmt::format("cannot read the list for {}: {}", what, Status_Text(status)),
-                      "give one such as (1, 2, :4:2:10)", status};
+                      status == StatusOutOfMemory ? "give a shorter one" : "give one such as (1, 2, :4:2:10)",
+                      status};
     return list;
 }
 
