@@ -5,7 +5,7 @@ Errors say what was being done, what went wrong, and what to do.
   velk: there is no command 'lst'; did you mean list?
   [2]
   $ velk list --bord 8
-  velk: cannot read the command line: The following argument was not expected: --bord; see `velk help list`.
+  velk: cannot read the command line: The following argument was not expected: --bord; did you mean --board?
   [2]
   $ velk get -d vxi --board 8
   velk: cannot run get: it wants the NAME of an option; see `velk help get`.

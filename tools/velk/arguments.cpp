@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <iterator>
 
 namespace
@@ -256,6 +257,29 @@ std::vector<std::string> CommandNames()
     return names;
 }
 
+// The names of the options that a command takes.
+std::vector<std::string> OptionNames(const CommandText *command)
+{
+    std::vector<std::string> names;
+    for (const OptionText &option : Options)
+        if (StandsAhead(option, command))
+            names.push_back(std::string(option.names, strcspn(option.names, ",")));
+    return names;
+}
+
+// What to do about options that the parser does not know.
+std::string NearOptions(const std::vector<std::string> &unknown, const CommandText *command)
+{
+    for (const std::string &word : unknown) {
+        const std::vector<std::string> near =
+            word.starts_with("--") ? Names_Near(OptionNames(command), word.substr(0, word.find('=')))
+                                   : std::vector<std::string>();
+        if (!near.empty())
+            return "did you mean " + Names_Join(near, " or ") + "?";
+    }
+    return {};
+}
+
 // What the parser of the command line says begins in upper case and may end with a full stop.
 Failure UsageFailure(const CLI::ParseError &error, const Arguments &arguments)
 {
@@ -333,7 +357,11 @@ Arguments Arguments_Parse(int argc, char **argv)
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        throw UsageFailure(error, arguments);
+        Failure failure = UsageFailure(error, arguments);
+        const std::string near = NearOptions(app.remaining(true), called);
+        if (!near.empty())
+            failure.next = near;
+        Fail(failure);
     }
     SettleKey(&arguments, argc, argv);
     if (!arguments.wantsHelp && !arguments.wantsVersion)
