@@ -327,3 +327,22 @@ Into a save file.
   Option  Asked  Stored  Was
   Mode    9      9       9
   Save file a.cfg: not written, since nothing changes.
+
+What cannot be read hinders nothing.
+
+  $ printf '[Odd]\nKeys = Rate\nGetMethod = Mode:1?Flag\nValidValuesType = Range\ndefault = 0:1:9\n' >>options.ini
+  $ printf '\200' | dd of=board.img bs=1 seek=34 conv=notrunc status=none
+  $ velk set Odd=5 Mode=1 Odd=6 --board 1 --yes --strict
+  Working copy of board 1, class Board (.):
+  Option  Asked  Stored                Was
+  Odd     5      Internal error (-99)  0
+  Mode    1      1                     0
+  Odd     6      Internal error (-99)  0
+  What moves with it:
+  Option  Was    Is             Valid now
+  Rate    0      6              as before
+  Speed   0 MHz  16 MHz (slow)  16 MHz (slow)
+  Flag cannot be read: Internal error (-99).
+  Odd cannot be read: Internal error (-99).
+  3 registers change.
+  Board 1: 3 registers, written and read back.

@@ -16,16 +16,36 @@
 namespace
 {
 
+// What was read, or why it could not be.
+struct Reading {
+    StatusCode status; // `value` holds if it is 0
+    Value value;
+};
+
 // One NAME=VALUE.
 struct Assignment {
     std::string name, text;
     Words words;
     Value asked;
-    Value old;
-    StatusCode oldStatus; // of reading `old`
-    Value stored;
-    Value atEnd; // what stands when all assignments are made
+    Reading old, stored;
+    Reading atEnd; // what stands when all assignments are made
 };
+
+std::string Shown(const Reading &reading, const Words &words)
+{
+    return reading.status == 0 ? Value_Shown(reading.value, words) : Status_Text(reading.status);
+}
+
+Json AsJson(const Reading &reading, const Words &words)
+{
+    return reading.status == 0 ? Json_OfValue(reading.value, words) : Json();
+}
+
+// What cannot be read is not known to be moved.
+bool IsMoved(const Value &from, const Reading &to)
+{
+    return to.status == 0 && !Value_IsSame(from, to.value);
+}
 
 struct Setting {
     const Session &session;
@@ -112,10 +132,10 @@ std::string ValidLine(const Setting &setting, const OptionState &state, const Wo
 
 void TellOptionMoved(const Setting &setting, const Assignment &assignment, const OptionState &before)
 {
-    const std::string note = Valid_NoteOnMove(before.valid, assignment.asked, assignment.stored);
+    const std::string note = Valid_NoteOnMove(before.valid, assignment.asked, assignment.stored.value);
     const std::string details = ValidLine(setting, before, assignment.words) +
                                 (note.empty() ? "" : Text_Wrapped(note, setting.output->width, 2));
-    const std::string stored = Value_Shown(assignment.stored, assignment.words);
+    const std::string stored = Shown(assignment.stored, assignment.words);
     if (Valid_IsNone(before.valid))
         TellMoved(
             setting,
@@ -144,6 +164,18 @@ void TellOptionMoved(const Setting &setting, const Assignment &assignment, const
     Fail(failure);
 }
 
+Reading Read(const Setting &setting, Config *config, const std::string &name)
+{
+    if (setting.definitions == nullptr) {
+        const OptionState state = Config_Option(config, name);
+        return {state.status, state.value};
+    }
+    Reading reading = {0, {}};
+    reading.status =
+        Config_Key(config, {name, KeyTable_Find(&setting.definitions->keys, name.c_str())}, &reading.value);
+    return reading;
+}
+
 // The option as it stands is what the rules are told of, since an earlier assignment may have moved them.
 void SetOption(const Setting &setting, Assignment *assignment)
 {
@@ -154,19 +186,15 @@ void SetOption(const Setting &setting, Assignment *assignment)
         Value_Parse(assignment->text, before.value.kind, assignment->words, Bytes_Shown(assignment->name));
     ValueWord lent;
     Value_Lend(assignment->asked, &lent);
-    StatusCode status =
+    const StatusCode status =
         VelkSetOptionEx(setting.config, assignment->name.c_str(), before.value.kind, lent.word);
-    if (status == 0) {
-        const OptionState after = Config_Option(setting.config, assignment->name);
-        assignment->stored = after.value;
-        status = after.status;
-    }
     if (status < 0) {
         Failure failure = Failure_Of(ExitEngine, Doing(setting, *assignment), status);
         failure.details = ValidLine(setting, before, assignment->words);
         Fail(failure);
     }
-    if (!Value_IsSame(assignment->asked, assignment->stored))
+    assignment->stored = Read(setting, setting.config, assignment->name);
+    if (IsMoved(assignment->asked, assignment->stored))
         TellOptionMoved(setting, *assignment, before);
 }
 
@@ -183,26 +211,15 @@ void SetKey(const Setting &setting, Assignment *assignment)
     assignment->asked = Value_Parse(assignment->text, kind, assignment->words, Bytes_Shown(assignment->name));
     ValueWord lent;
     Value_Lend(assignment->asked, &lent);
-    StatusCode status = VelkSetKey(setting.config, assignment->name.c_str(), lent.word);
-    if (status == 0)
-        status = Config_Key(setting.config, named, &assignment->stored);
+    const StatusCode status = VelkSetKey(setting.config, assignment->name.c_str(), lent.word);
     if (status < 0)
         throw Failure_Of(ExitEngine, Doing(setting, *assignment), status);
-    if (!Value_IsSame(assignment->asked, assignment->stored))
+    assignment->stored = Read(setting, setting.config, assignment->name);
+    if (IsMoved(assignment->asked, assignment->stored))
         TellMoved(setting,
                   fmt::format("{}: the key cannot hold it, and would become {}", Doing(setting, *assignment),
-                              Value_Shown(assignment->stored, assignment->words)),
+                              Shown(assignment->stored, assignment->words)),
                   "");
-}
-
-// 0, or why the value cannot be read.
-StatusCode ReadAssigned(const Setting &setting, Config *config, const std::string &name, Value *value)
-{
-    if (setting.definitions != nullptr)
-        return Config_Key(config, {name, KeyTable_Find(&setting.definitions->keys, name.c_str())}, value);
-    const OptionState state = Config_Option(config, name);
-    *value = state.value;
-    return state.status;
 }
 
 void Assign(const Setting &setting, Config *before, std::vector<Assignment> *assignments)
@@ -216,14 +233,13 @@ void Assign(const Setting &setting, Config *before, std::vector<Assignment> *ass
             SetOption(setting, &assignment);
     }
     for (Assignment &assignment : *assignments) {
-        assignment.oldStatus = ReadAssigned(setting, before, assignment.name, &assignment.old);
-        ReadAssigned(setting, setting.config, assignment.name, &assignment.atEnd);
-        if (!Value_IsSame(assignment.stored, assignment.atEnd))
+        assignment.old = Read(setting, before, assignment.name);
+        assignment.atEnd = Read(setting, setting.config, assignment.name);
+        if (assignment.stored.status == 0 && IsMoved(assignment.stored.value, assignment.atEnd))
             TellMoved(setting,
                       fmt::format("{}: {} was taken, and a later assignment makes it {}",
-                                  Doing(setting, assignment),
-                                  Value_Shown(assignment.stored, assignment.words),
-                                  Value_Shown(assignment.atEnd, assignment.words)),
+                                  Doing(setting, assignment), Shown(assignment.stored, assignment.words),
+                                  Shown(assignment.atEnd, assignment.words)),
                       "");
     }
 }
@@ -233,9 +249,8 @@ void ShowAssignments(const Setting &setting, const std::vector<Assignment> &assi
     Table table = {{setting.definitions == nullptr ? "Option" : "Key", "Asked", "Stored", "Was"}, {}};
     for (const Assignment &assignment : assignments)
         table.rows.push_back({Bytes_Shown(assignment.name), Value_Shown(assignment.asked, assignment.words),
-                              Value_Shown(assignment.atEnd, assignment.words),
-                              assignment.oldStatus == 0 ? Value_Shown(assignment.old, assignment.words)
-                                                        : Status_Text(assignment.oldStatus)});
+                              Shown(assignment.atEnd, assignment.words),
+                              Shown(assignment.old, assignment.words)});
     Output_Table(setting.output, table);
 }
 
@@ -247,9 +262,9 @@ void PutAssignments(const Setting &setting, const std::vector<Assignment> &assig
         Json_PutText(&json, "name", assignment.name);
         json["layer"] = setting.definitions == nullptr ? "option" : "key";
         json["asked"] = Json_OfValue(assignment.asked, assignment.words);
-        json["stored"] = Json_OfValue(assignment.atEnd, assignment.words);
-        json["old"] = assignment.oldStatus == 0 ? Json_OfValue(assignment.old, assignment.words) : Json();
-        json["moved"] = !Value_IsSame(assignment.asked, assignment.atEnd);
+        json["stored"] = AsJson(assignment.atEnd, assignment.words);
+        json["old"] = AsJson(assignment.old, assignment.words);
+        json["moved"] = IsMoved(assignment.asked, assignment.atEnd);
         list.push_back(json);
     }
     setting.output->document["assignments"] = list;
