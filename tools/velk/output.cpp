@@ -46,7 +46,7 @@ Output Output_Make(bool isJson)
 {
     Output output;
     output.isJson = isJson;
-    output.width = TerminalWidth(STDOUT_FILENO);
+    output.width = isJson ? UsualWidth : TerminalWidth(STDOUT_FILENO);
     output.isColoured = IsColoured(STDOUT_FILENO);
     if (isJson) {
         output.document = {{"schema", 1}};
@@ -58,6 +58,8 @@ Output Output_Make(bool isJson)
 
 void Output_LayOutForErrors(Output *output)
 {
+    if (output->isJson)
+        return;
     output->width = TerminalWidth(STDERR_FILENO);
     output->isColoured = IsColoured(STDERR_FILENO);
 }

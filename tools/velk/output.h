@@ -21,7 +21,7 @@ struct Output {
     Json document = Json::object();
 };
 
-// Looks at the terminal of standard output and at the environment.
+// Looks at the terminal of standard output and at the environment. A document is the same on all of them.
 Output Output_Make(bool isJson);
 
 // What follows is laid out for standard error.
