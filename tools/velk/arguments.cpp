@@ -329,6 +329,12 @@ std::string CalledCommand(int argc, char **argv)
 
 } // namespace
 
+std::string Arguments_Command(int argc, char **argv)
+{
+    std::string called = CalledCommand(argc, argv);
+    return FindCommand(called) == nullptr ? "" : called;
+}
+
 bool Arguments_WantJson(int argc, char **argv)
 {
     for (int n = 1; n < argc && std::string_view(argv[n]) != "--"; ++n)

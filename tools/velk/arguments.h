@@ -32,6 +32,9 @@ struct Arguments {
 // Throws a Failure of usage.
 Arguments Arguments_Parse(int argc, char **argv);
 
+// The command that is called, or an empty text: none that there is. Known ahead of any failure, too.
+std::string Arguments_Command(int argc, char **argv);
+
 // Whether --json is among them: known ahead of any failure.
 bool Arguments_WantJson(int argc, char **argv);
 

@@ -85,9 +85,10 @@ ExitStatus EndWith(const Failure &failure, Output *output)
 ExitStatus RunCommandLine(int argc, char **argv, Output *output)
 {
     try {
+        const std::string command = Arguments_Command(argc, argv);
+        if (output->isJson && !command.empty())
+            output->document["command"] = command;
         const Arguments arguments = Arguments_Parse(argc, argv);
-        if (output->isJson && !arguments.command.empty())
-            output->document["command"] = arguments.command;
         CatchSignals(*output);
         return Run(arguments, output);
     } catch (const Failure &failure) {
