@@ -209,10 +209,11 @@ std::vector<Register> MatchingRegisters(const Listing &listing,
     std::vector<Register> matching;
     std::vector<std::string> names;
     for (const Register &slot : Config_Registers(listing.config)) {
-        names.push_back(RegisterName(slot.id, slot.instance, {}));
-        names.push_back(RegisterName(slot.id, slot.instance, symbols));
-        if (MatchesAny(patterns, names.end()[-2]) || MatchesAny(patterns, names.back()))
+        const std::string id = RegisterName(slot.id, slot.instance, {});
+        const std::string name = RegisterName(slot.id, slot.instance, symbols);
+        if (MatchesAny(patterns, id) || MatchesAny(patterns, name))
             matching.push_back(slot);
+        names.insert(names.end(), {id, name});
     }
     RequireMatches(names, patterns, "register", StatusVRegNotFound);
     return matching;
