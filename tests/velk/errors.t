@@ -18,6 +18,7 @@ Errors say what was being done, what went wrong, and what to do.
   [2]
   $ velk set Averages=4 -d vxi --board 8 --yes --backup ''
   velk: cannot read the command line: --backup: it is empty; see `velk help set`.
+    Not written.
   [2]
   $ velk get Memory -d vxi --board 8 --file a.cfg
   velk: cannot run get with both --board and --file; give one of them.

@@ -84,6 +84,7 @@ What the engine does not look at.
   $ sed 's/Version=1.0/Version=2.0/' one.cfg >version.cfg
   $ velk load version.cfg --board 0 --yes
   velk: cannot use save file version.cfg: it is of version '2.0', not '1.0'; take it all the same with --force.
+    Not written.
   [3]
   $ sed 's/^0x00000011=/0x00000099=/' one.cfg >registers.cfg
   $ velk get Mode --file registers.cfg

@@ -15,6 +15,7 @@ Setting options: what is told, what is asked, and what is written.
   Board 8: not written. 2 registers would change.
   $ velk set AddressSpace=1 --board 8 </dev/null
   velk: cannot ask whether to write: this is no terminal; say --yes to write, or --dry-run to look.
+    Not written.
   [2]
   $ velk set 'AddressSpace=a16 and a32' Memory=0x20000 --board 8 --yes --backup before.cfg
   Working copy of board 8, class VxiDevice (.):
@@ -51,6 +52,7 @@ All of them or none.
 
   $ velk set Averages=4 AddressSpace=1 Lable=x --board 8 --yes
   velk: cannot find the option 'Lable': Unknown option (-9); did you mean Label?
+    Not written.
   [3]
   $ velk set Averages=4 'Label=more than sixteen characters' --board 8 --yes 2>&1 | grep velk:
   velk: cannot set Averages=4 Label=more than sixteen characters on board 8: Incorrect hardware configuration (-104), and it is not written: it was read again, and holds what it held; take a value or a file that fits this board.
@@ -71,9 +73,11 @@ A value that moves, and why.
   1 register changes.
   Board 5: 1 register, written and read back.
   $ velk set Speed=20 --board 5 --yes --strict
-  velk: set Speed=20 on board 5: 20 MHz is not valid now and would become 32 MHz (sleepy); --strict lets nothing be moved, and nothing was written.
+  velk: set Speed=20 on board 5: 20 MHz is not valid now and would become 32 MHz (sleepy).
     Valid: 16 MHz (slow), 32 MHz (sleepy), 64 MHz, 128 MHz (fast).
     A list moves a value up to the next larger one, though 16 is nearer.
+    --strict lets nothing be moved.
+    Not written.
   [1]
   $ velk set Speed=17 --board 5 --dry-run
   velk: set Speed=17 on board 5: 17 MHz is not valid now and would become 32 MHz (sleepy).
@@ -147,6 +151,7 @@ A value that moves, and why.
   $ velk set Mode=3 --board 5 --yes
   velk: cannot set Mode=3 on board 5: Several lists are valid, and none of them can be chosen (-16); set the options that its rules test first.
     Valid: 0 to 15.
+    Not written.
   [3]
   $ velk set 'Lines=(1, 2)' --board 5 --yes
   Working copy of board 5, class Board (.):
@@ -155,8 +160,10 @@ A value that moves, and why.
   1 register changes.
   Board 5: 1 register, written and read back.
   $ velk set Mode=4 Title=other --board 5 --dry-run --strict
-  velk: set Title=other on board 5: "other" is not valid now and would become "fixed"; --strict lets nothing be moved, and nothing was written.
+  velk: set Title=other on board 5: "other" is not valid now and would become "fixed".
     Valid: "fixed".
+    --strict lets nothing be moved.
+    Not written.
   [1]
   $ velk set Mode=0x40 --board 5 --dry-run --key
   velk: set Mode=0x40 on board 5: the key cannot hold it, and would become 0.
@@ -214,24 +221,31 @@ Values in their notations.
   ()
   $ velk set 'Lines=1, x' --board 0 --yes
   velk: cannot read the value for Lines: 'x' is no 32-bit number; give one, such as 16 or 0x10.
+    Not written.
   [2]
   $ velk set 'Lines=::' --board 0 --yes
   velk: cannot read the list for Lines: Invalid format for a number (-10); give one such as (1, 2, :4:2:10).
+    Not written.
   [2]
   $ velk set 'Lines=:0:1:0xFFFFFFF' --board 0 --yes
   velk: cannot read the list for Lines: Out of memory (-1); give a shorter one.
+    Not written.
   [2]
   $ velk set Mode=09 --board 0 --yes
   velk: cannot read the value for Mode: '09' is no 32-bit number and none of its words; look at `velk values` for the words.
+    Not written.
   [2]
   $ velk set Mode=99999999999 --board 0 --yes
   velk: cannot read the value for Mode: '99999999999' is no 32-bit number and none of its words; look at `velk values` for the words.
+    Not written.
   [2]
   $ velk set Mode= --board 0 --yes
   velk: cannot read the value for Mode: '' is no 32-bit number and none of its words; look at `velk values` for the words.
+    Not written.
   [2]
   $ velk set Mode --board 0 --yes
   velk: cannot read 'Mode'; give NAME=VALUE.
+    Not written.
   [2]
 
 Words: whole ones, beginnings, and those that may be several. Digits are a number, always.
@@ -240,11 +254,13 @@ Words: whole ones, beginnings, and those that may be several. Digits are a numbe
   Speed   128 MHz (fast)  128 MHz (fast)  16 MHz (slow)
   $ velk set Speed=sl --board 0 --dry-run
   velk: cannot read the value for Speed: 'sl' may be slow (16) or sleepy (32); give more of the word, or the number.
+    Not written.
   [2]
   $ velk set Speed=slo --board 0 --dry-run | grep Speed
   Speed   16 MHz (slow)  16 MHz (slow)  16 MHz (slow)
   $ velk set Speed=fsat --board 0 --dry-run
   velk: cannot read the value for Speed: 'fsat' is no 32-bit number and none of its words; did you mean fast?
+    Not written.
   [2]
   $ velk set Mode=7 --board 0 --dry-run | grep Mode
   Mode    7 (caf\xE9)  7 (caf\xE9)  5 (7)
@@ -274,12 +290,15 @@ From a file, and from standard input.
   Board 0: 1 register, written and read back.
   $ printf 'Mode=4\nSpeed\n' | velk set --from - --board 0 --yes
   velk: cannot read 'Speed' in line 2 of standard input; give NAME=VALUE.
+    Not written.
   [2]
   $ velk set --from . --board 0 --yes
   velk: cannot read .: Is a directory; give a file of NAME=VALUE lines.
+    Not written.
   [2]
   $ velk set --from nowhere --board 0 --yes
   velk: cannot open nowhere: No such file or directory; give a file of NAME=VALUE lines.
+    Not written.
   [2]
 
 Keys, and what hangs on them.
@@ -295,9 +314,12 @@ Keys, and what hangs on them.
   Board 0: not written. 1 register would change.
   $ velk set Clock=2 --board 0 --yes
   velk: cannot find the option 'Clock': Unknown option (-9); look at `velk list` for the names.
+    Not written.
   [3]
   $ velk set --keys Speed=300 --board 0 --dry-run --strict
-  velk: set Speed=300 on board 0: the key cannot hold it, and would become 44 MHz; --strict lets nothing be moved, and nothing was written.
+  velk: set Speed=300 on board 0: the key cannot hold it, and would become 44 MHz.
+    --strict lets nothing be moved.
+    Not written.
   [1]
 
 Into a save file.
@@ -312,9 +334,11 @@ Into a save file.
   Save file a.cfg: 1 register, written and read back.
   $ velk set Mode=8 --file a.cfg --yes --backup ./a.cfg
   velk: cannot set Mode=8 on save file a.cfg: the backup would be the same file, ./a.cfg; give another one to --backup.
+    Not written.
   [2]
   $ velk load a.cfg --board 0 --yes --backup a.cfg
   velk: cannot load a.cfg into board 0: the backup would be the same file, a.cfg; give another one to --backup.
+    Not written.
   [2]
   $ velk set Mode=9 --file a.cfg --yes --backup b.cfg 2>&1 | tail -2; ls b.cfg
   What was there is saved to b.cfg.

@@ -1,6 +1,7 @@
 // velk: shows and sets the options of boards.
 #include "tools/velk/commands.h"
 #include "tools/velk/signals.h"
+#include "tools/velk/write.h"
 
 #include <fmt/format.h>
 
@@ -88,6 +89,8 @@ ExitStatus RunCommandLine(int argc, char **argv, Output *output)
         const std::string command = Arguments_Command(argc, argv);
         if (output->isJson && !command.empty())
             output->document["command"] = command;
+        if (command == "set" || command == "load")
+            Write_Begin(output);
         const Arguments arguments = Arguments_Parse(argc, argv);
         CatchSignals(*output);
         return Run(arguments, output);

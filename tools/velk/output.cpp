@@ -116,11 +116,13 @@ static Json Document_OfFailure(const Json &document, const Failure &failure)
 
 void Output_Fail(Output *output, const Failure &failure)
 {
+    Failure told = failure;
+    told.details += output->truth;
     output->text.clear();
     if (output->isJson)
-        output->document = Document_OfFailure(output->document, failure);
+        output->document = Document_OfFailure(output->document, told);
     else
-        Stream_Write(STDERR_FILENO, Failure_Text(failure));
+        Stream_Write(STDERR_FILENO, Failure_Text(told));
 }
 
 bool Stream_Write(int descriptor, const std::string &text)

@@ -18,6 +18,7 @@ struct Output {
     bool isColoured = false;
     size_t width = 80; // of the terminal, in columns
     std::string text = {};
+    std::string truth = {}; // of what was to be written: a line below a failure
     Json document = Json::object();
 };
 

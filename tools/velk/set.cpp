@@ -118,8 +118,7 @@ std::string Doing(const Setting &setting, const Assignment &assignment)
 void TellMoved(const Setting &setting, const std::string &message, const std::string &details)
 {
     if (setting.arguments.isStrict)
-        throw Failure{ExitDiffers, message, "--strict lets nothing be moved, and nothing was written", 0,
-                      details};
+        throw Failure{ExitDiffers, message, "", 0, details + "  --strict lets nothing be moved.\n"};
     Output_Warn(setting.output, message, details);
 }
 

@@ -27,9 +27,7 @@ void Ask(const Change &change)
     Stream_Write(STDERR_FILENO, fmt::format("Write this to {}? [y/N] ", Place_Shown(change.target)));
     std::getline(std::cin, answer);
     if (!Bytes_AreAlike(answer, "y") && !Bytes_AreAlike(answer, "yes"))
-        throw Failure{
-            ExitInterrupted,
-            fmt::format("did not {}: the answer was not yes, and nothing was written", change.doing)};
+        throw Failure{ExitInterrupted, fmt::format("did not {}: the answer was not yes", change.doing)};
 }
 
 // What it comes to goes to standard error, since standard output belongs to what was done.
@@ -38,10 +36,8 @@ void Show(Output *output)
     if (output->isJson)
         return;
     if (!Stream_Write(STDERR_FILENO, output->text))
-        throw Failure{
-            ExitUsage,
-            "cannot show what would change: standard error takes nothing more, and nothing was written",
-            "look at --dry-run"};
+        throw Failure{ExitUsage, "cannot show what would change: standard error takes nothing more",
+                      "look at --dry-run"};
     output->text.clear();
 }
 
@@ -71,12 +67,8 @@ void SaveBackup(const Change &change, Output *output)
     const std::string &key =
         change.target.kind == Place::SaveFile ? change.target.key : change.session.className;
     const StatusCode status = VelkSaveToFile(change.before, file.c_str(), key.c_str());
-    if (status < 0) {
-        Failure failure =
-            Failure_Of(ExitEngine, fmt::format("save the backup {}", Bytes_Shown(file)), status);
-        failure.message += ", and nothing was written";
-        Fail(failure);
-    }
+    if (status < 0)
+        throw Failure_Of(ExitEngine, fmt::format("save the backup {}", Bytes_Shown(file)), status);
     Output_Line(output, fmt::format("What was there is saved to {}.", Bytes_Shown(file)));
 }
 
@@ -148,6 +140,7 @@ void PutResult(Output *output, bool isWritten, bool isReadBack, size_t registers
 void StoreAndReadBack(const Change &change, const std::vector<Register> &changed, Output *output)
 {
     const std::string target = Place_Shown(change.target);
+    output->truth.clear();
     const StatusCode status = Store(change);
     if (status < 0) {
         const bool isBoards = change.target.kind == Place::Board && status != StatusOutOfMemory;
@@ -181,9 +174,14 @@ void StoreAndReadBack(const Change &change, const std::vector<Register> &changed
 
 } // namespace
 
+void Write_Begin(Output *output)
+{
+    output->truth = "  Not written.\n";
+    PutResult(output, false, false, 0, "not written");
+}
+
 void Write_Prepare(const Arguments &arguments, Output *output)
 {
-    PutResult(output, false, false, 0, "not written");
     if (!arguments.isYes && !arguments.isDryRun && (output->isJson || !CanAsk(arguments)))
         throw Failure{ExitUsage,
                       fmt::format("cannot ask whether to write: {}",

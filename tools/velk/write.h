@@ -16,8 +16,10 @@ struct Change {
     std::string loaded = {}; // the save file that `after` comes from, if it does
 };
 
-// What is true until something is written: nothing is. Refuses, as a matter of usage, a command that could
-// neither ask nor was told not to. What the others come to is laid out for where they show it.
+// From here on a failure says that nothing was written, until something may have been.
+void Write_Begin(Output *output);
+
+// Refuses, as a matter of usage, a command that could neither ask nor was told not to. What the others come to is laid out for where they show it.
 void Write_Prepare(const Arguments &arguments, Output *output);
 
 // Shows what `output` has to say so far; unless this is a dry run, asks, saves the backup, writes, reads back
