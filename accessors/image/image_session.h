@@ -17,7 +17,7 @@ StatusCode ImageSession_Open(const ImageMap *map, uint32_t board, ImageSession *
 
 void ImageSession_Close(ImageSession *session);
 
-// Writes the values of a table to the board: of its bytes those that differ, which are then read back.
+// Writes the values of a table to the board: of its bytes those that differ, in the way of the settings.
 // All that can be refused is refused ahead of the first byte. Gives 0; -1, -101, -102, -105, -107,
 // -108 as above; -104 the table does not fit the board; -106 writing failed, or what was read back is
 // something else.

@@ -125,17 +125,6 @@ static StatusCode BoardUpdate_ReplaceBytes(const BoardUpdate *update, const Imag
     }
 }
 
-static StatusCode BoardUpdate_VerifyImage(const BoardUpdate *update)
-{
-    File image;
-    StatusCode status = Image_Status(File_OpenToRead(update->map->path, &image));
-    if (status < 0)
-        return status;
-    status = BoardUpdate_Verify(update, image);
-    File_Close(image);
-    return status;
-}
-
 static StatusCode BoardUpdate_Replace(const BoardUpdate *update)
 {
     const LockGuard guard(&replacing);
@@ -144,7 +133,7 @@ static StatusCode BoardUpdate_Replace(const BoardUpdate *update)
     if (status == 0)
         status = BoardUpdate_ReplaceBytes(update, &whole);
     free(whole.bytes);
-    return status == 0 ? BoardUpdate_VerifyImage(update) : status;
+    return status;
 }
 
 StatusCode BoardUpdate_Store(const BoardUpdate *update)

@@ -13,7 +13,7 @@ struct BoardUpdate {
     uint8_t *readBack;
 };
 
-// Writes, and reads back. An image with nothing to change is not opened. Gives the statuses of
+// Writes; in place, it reads back too. An image with nothing to change is not opened. Gives the statuses of
 // ImageSession_Write but -104 for a table.
 StatusCode BoardUpdate_Store(const BoardUpdate *update);
 
