@@ -231,8 +231,10 @@ TEST(ImageAccessor, ReportsAWriteThatDoesNotStay)
 
 TEST(ImageAccessor, ServesClassesAndEnginesByTheirUnits)
 {
-    for (const auto &[what, by] :
-         {std::pair{"Stride = 32", "Stride = 33"}, {", 0xF0000001\n", "\n"}, {"0 u8", "24 u8"}}) {
+    for (const auto &[what, by] : {std::pair{"Stride = 32", "Stride = 33"},
+                                   {"Stride = 32", "Stride = 32\nWrite = never"},
+                                   {", 0xF0000001\n", "\n"},
+                                   {"0 u8", "24 u8"}}) {
         Rig rig(goodSettings, Edited(goodSettings, what, by));
         EXPECT_EQ(rig.Open("A"), 0);
         EXPECT_EQ(rig.Open("B"), -112) << by;
