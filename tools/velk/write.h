@@ -19,7 +19,8 @@ struct Change {
 // From here on a failure says that nothing was written, until something may have been.
 void Write_Begin(Output *output);
 
-// Refuses, as a matter of usage, a command that could neither ask nor was told not to. What the others come to is laid out for where they show it.
+// Refuses, as a matter of usage, a command that could neither ask nor was told not to. What the others come
+// to is laid out for where they show it.
 void Write_Prepare(const Arguments &arguments, Output *output);
 
 // Shows what `output` has to say so far; unless this is a dry run, asks, saves the backup, writes, reads back
