@@ -31,40 +31,24 @@ Place PlaceOf(const Arguments &arguments, const Session &session, const std::str
     return place;
 }
 
-// What one side has under a name.
-struct Read {
-    StatusCode status; // `value` holds if it is 0
-    Value value;
-};
-
-std::string Shown(const Read &read, const Words &words)
-{
-    return read.status == 0 ? Value_Shown(read.value, words) : Status_Text(read.status);
-}
-
-void PutRead(Json *object, const std::string &member, const Read &read, const Words &words)
-{
-    (*object)[member] = read.status == 0 ? Json_OfValue(read.value, words) : Json();
-    (*object)[member + "Error"] = read.status < 0 ? Json_OfStatus(read.status) : Json();
-}
-
 // The rows of a layer that differ.
 struct Rows {
     Table table;
     Json list = Json::array();
 };
 
-void CompareReads(const Comparison &comparison, const std::string &name, const Read &first,
-                  const Read &second, Rows *rows)
+void Compare(const Comparison &comparison, const std::string &name, const Reading &first,
+             const Reading &second, Rows *rows)
 {
     if (first.status == second.status && (first.status < 0 || Value_IsSame(first.value, second.value)))
         return;
     const Words words = Catalogue_Words(comparison.session.catalogue, comparison.session.className, name);
-    rows->table.rows.push_back({Bytes_Shown(name), Shown(first, words), Shown(second, words)});
+    rows->table.rows.push_back(
+        {Bytes_Shown(name), Reading_Shown(first, words), Reading_Shown(second, words)});
     Json json = Json::object();
     Json_PutText(&json, "name", name);
-    PutRead(&json, "a", first, words);
-    PutRead(&json, "b", second, words);
+    Json_PutReading(&json, "a", first, words);
+    Json_PutReading(&json, "b", second, words);
     rows->list.push_back(json);
 }
 
@@ -87,17 +71,10 @@ void DiffOptions(const Comparison &comparison)
     for (const std::string &name : Session_OptionNames(comparison.session)) {
         const OptionState first = Config_Option(comparison.first, name);
         const OptionState second = Config_Option(comparison.second, name);
-        CompareReads(comparison, name, {first.status, first.value}, {second.status, second.value}, &rows);
+        Compare(comparison, name, {first.status, first.value}, {second.status, second.value}, &rows);
     }
     comparison.output->document["options"] = rows.list;
     ShowTable(comparison, "option", rows.table);
-}
-
-Read ReadKey(Config *config, const NamedKey &key)
-{
-    Read read = {0, {}};
-    read.status = Config_Key(config, key, &read.value);
-    return read;
 }
 
 void DiffKeys(const Comparison &comparison)
@@ -106,8 +83,8 @@ void DiffKeys(const Comparison &comparison)
     const DefinitionsHandle definitions = Session_Definitions(session);
     Rows rows = MakeRows(comparison, "Key");
     for (const NamedKey &key : Definitions_Keys(*definitions, session.catalogue, session.className))
-        CompareReads(comparison, key.name, ReadKey(comparison.first, key), ReadKey(comparison.second, key),
-                     &rows);
+        Compare(comparison, key.name, Config_Key(comparison.first, key), Config_Key(comparison.second, key),
+                &rows);
     comparison.output->document["keys"] = rows.list;
     ShowTable(comparison, "key", rows.table);
 }

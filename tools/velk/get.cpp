@@ -10,8 +10,7 @@ namespace
 
 struct Found {
     bool isKey;
-    StatusCode status;
-    Value value;
+    Reading reading;
 };
 
 // The definitions are read when the first key is asked for.
@@ -35,21 +34,17 @@ Found GetKey(Getter *getter, const std::string &name, bool mayBeOption)
         Fail_Unknown(mayBeOption ? "option or key" : "key", name, names,
                      mayBeOption ? StatusUnknownOption : StatusUnknownKey);
     }
-    Found found = {true, 0, {}};
-    found.status = Config_Key(getter->config, {name, key}, &found.value);
-    return found;
+    return {true, Config_Key(getter->config, {name, key})};
 }
 
 Found GetOption(Getter *getter, const std::string &name)
 {
-    Found found = {false, 0, {}};
     VelkWord word = 0;
     int32_t kind = ValueKindNumber;
-    found.status = VelkGetOptionEx(getter->config, name.c_str(), -1, &word, &kind);
-    if (found.status == StatusUnknownOption)
+    const StatusCode status = VelkGetOptionEx(getter->config, name.c_str(), -1, &word, &kind);
+    if (status == StatusUnknownOption)
         return GetKey(getter, name, true);
-    found.value = Value_Copy(kind, found.status == 0 ? word : 0);
-    return found;
+    return {false, {status, Value_Copy(kind, status == 0 ? word : 0)}};
 }
 
 } // namespace
@@ -65,17 +60,18 @@ ExitStatus Run_Get(const Arguments &arguments, Output *output)
         output->document["values"] = Json::array();
     }
     for (const std::string &name : arguments.names) {
-        const Found found = arguments.areKeys ? GetKey(&getter, name, false) : GetOption(&getter, name);
-        if (found.status < 0)
+        const auto &[isKey, reading] =
+            arguments.areKeys ? GetKey(&getter, name, false) : GetOption(&getter, name);
+        if (reading.status < 0)
             throw Failure_Of(ExitEngine, fmt::format("read {} of {}", Bytes_Shown(name), Place_Shown(place)),
-                             found.status);
-        output->text += Value_Plain(found.value) + "\n";
+                             reading.status);
+        output->text += Value_Plain(reading.value) + "\n";
         if (output->isJson) {
             Json json = Json::object();
             Json_PutText(&json, "name", name);
-            json["layer"] = found.isKey ? "key" : "option";
+            json["layer"] = isKey ? "key" : "option";
             json["value"] =
-                Json_OfValue(found.value, Catalogue_Words(session.catalogue, session.className, name));
+                Json_OfValue(reading.value, Catalogue_Words(session.catalogue, session.className, name));
             output->document["values"].push_back(json);
         }
     }

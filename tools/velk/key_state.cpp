@@ -14,14 +14,13 @@ DefinitionsHandle Session_Definitions(const Session &session)
     return definitions;
 }
 
-StatusCode Config_Key(Config *config, const NamedKey &named, Value *value)
+Reading Config_Key(Config *config, const NamedKey &named)
 {
     int32_t kind = ValueKindNumber;
     KeyDef_GetKind(named.key, &kind);
     VelkWord word = 0;
     const StatusCode status = VelkGetKey(config, named.name.c_str(), &word);
-    *value = Value_Copy(kind, status == 0 ? word : 0);
-    return status;
+    return {status, Value_Copy(kind, status == 0 ? word : 0)};
 }
 
 std::vector<KeyState> Config_Keys(Config *config, const std::vector<NamedKey> &keys)
@@ -31,8 +30,8 @@ std::vector<KeyState> Config_Keys(Config *config, const std::vector<NamedKey> &k
         modified.emplace(std::pair(slot.id, slot.instance), slot.isModified);
     std::vector<KeyState> states;
     for (const NamedKey &named : keys) {
-        KeyState state = {named.name, named.key, 0, {}, 0, 0, false};
-        state.status = Config_Key(config, named, &state.value);
+        const Reading reading = Config_Key(config, named);
+        KeyState state = {named.name, named.key, reading.status, reading.value, 0, 0, false};
         VelkWord bits = 0;
         const KeyDef &key = *named.key;
         state.rawStatus =

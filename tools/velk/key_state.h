@@ -18,8 +18,7 @@ struct KeyState {
 // The definitions of a session's class. Throws a Failure.
 DefinitionsHandle Session_Definitions(const Session &session);
 
-// The value of a key: 0, or why it cannot be read.
-StatusCode Config_Key(Config *config, const NamedKey &named, Value *value);
+Reading Config_Key(Config *config, const NamedKey &named);
 
 std::vector<KeyState> Config_Keys(Config *config, const std::vector<NamedKey> &keys);
 

@@ -239,6 +239,12 @@ Json Json_OfStatus(StatusCode code)
     return {{"code", code}, {"message", Status_Message(code)}};
 }
 
+void Json_PutReading(Json *object, const std::string &member, const Reading &reading, const Words &words)
+{
+    (*object)[member] = reading.status == 0 ? Json_OfValue(reading.value, words) : Json();
+    (*object)[member + "Error"] = reading.status == 0 ? Json() : Json_OfStatus(reading.status);
+}
+
 std::string Place_Heading(const Session &session, const Place &place)
 {
     std::string heading = place.kind == Place::Nowhere ? "" : Place_Shown(place) + ", ";

@@ -60,6 +60,9 @@ Json Json_OfValue(const Value &value, const Words &words);
 Json Json_OfValid(const ValidNow &valid, const Words &words);
 Json Json_OfStatus(StatusCode code);
 
+// The value as a member, and the status as MEMBERError; one of the two is null.
+void Json_PutReading(Json *object, const std::string &member, const Reading &reading, const Words &words);
+
 // "board 5, class VxiDevice (examples/vxi)", with a capital.
 std::string Place_Heading(const Session &session, const Place &place);
 

@@ -16,9 +16,9 @@ OptionChange Compare(const OptionState &before, const OptionState &after)
     return {before, after, isMoved, isValidMoved};
 }
 
-std::string ValueOf(const OptionState &state, const Words &words)
+Reading ValueOf(const OptionState &state)
 {
-    return state.status == 0 ? Value_Shown(state.value, words) : Status_Text(state.status);
+    return {state.status, state.value};
 }
 
 std::string ValidOf(const OptionState &state, const Words &words)
@@ -28,19 +28,16 @@ std::string ValidOf(const OptionState &state, const Words &words)
 
 std::vector<std::string> ChangeRow(const OptionChange &change, const Words &words)
 {
-    const std::string now = ValueOf(change.after, words);
-    return {Bytes_Shown(change.after.name), change.isMoved ? ValueOf(change.before, words) : "as now", now,
+    const std::string now = Reading_Shown(ValueOf(change.after), words);
+    return {Bytes_Shown(change.after.name),
+            change.isMoved ? Reading_Shown(ValueOf(change.before), words) : "as now", now,
             change.isValidMoved ? ValidOf(change.after, words) : "as before"};
 }
 
-Json ValueJson(const OptionState &state, const Words &words)
+void PutValid(Json *object, const std::string &member, const OptionState &state, const Words &words)
 {
-    return state.status == 0 ? Json_OfValue(state.value, words) : Json();
-}
-
-Json ValidJson(const OptionState &state, const Words &words)
-{
-    return state.validStatus == 0 ? Json_OfValid(state.valid, words) : Json();
+    (*object)[member] = state.validStatus == 0 ? Json_OfValid(state.valid, words) : Json();
+    (*object)[member + "Error"] = state.validStatus == 0 ? Json() : Json_OfStatus(state.validStatus);
 }
 
 Json ChangeJson(const OptionChange &change, const Words &words)
@@ -49,10 +46,10 @@ Json ChangeJson(const OptionChange &change, const Words &words)
     Json_PutText(&json, "name", change.after.name);
     json["moved"] = change.isMoved;
     json["validMoved"] = change.isValidMoved;
-    json["before"] = ValueJson(change.before, words);
-    json["after"] = ValueJson(change.after, words);
-    json["validBefore"] = ValidJson(change.before, words);
-    json["validAfter"] = ValidJson(change.after, words);
+    Json_PutReading(&json, "before", ValueOf(change.before), words);
+    Json_PutReading(&json, "after", ValueOf(change.after), words);
+    PutValid(&json, "validBefore", change.before, words);
+    PutValid(&json, "validAfter", change.after, words);
     return json;
 }
 

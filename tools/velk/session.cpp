@@ -22,6 +22,11 @@ std::string Place_Shown(const Place &place)
                              : fmt::format("board {},{}", place.first, place.second);
 }
 
+std::string Reading_Shown(const Reading &reading, const Words &words)
+{
+    return reading.status == 0 ? Value_Shown(reading.value, words) : Status_Text(reading.status);
+}
+
 void Fail_Unknown(const char *what, const std::string &name, const std::vector<std::string> &names,
                   StatusCode code)
 {

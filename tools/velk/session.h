@@ -45,6 +45,15 @@ struct Session {
     ConfigHandle first; // loads the class, and stays empty
 };
 
+// What was read, or why it could not be.
+struct Reading {
+    StatusCode status; // `value` holds if it is 0
+    Value value;
+};
+
+// For a person: the value, or the message of the status.
+std::string Reading_Shown(const Reading &reading, const Words &words);
+
 // An option, as a configuration has it.
 struct OptionState {
     std::string name;

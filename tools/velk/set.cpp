@@ -16,12 +16,6 @@
 namespace
 {
 
-// What was read, or why it could not be.
-struct Reading {
-    StatusCode status; // `value` holds if it is 0
-    Value value;
-};
-
 // One NAME=VALUE.
 struct Assignment {
     std::string name, text;
@@ -30,16 +24,6 @@ struct Assignment {
     Reading old, stored;
     Reading atEnd; // what stands when all assignments are made
 };
-
-std::string Shown(const Reading &reading, const Words &words)
-{
-    return reading.status == 0 ? Value_Shown(reading.value, words) : Status_Text(reading.status);
-}
-
-Json AsJson(const Reading &reading, const Words &words)
-{
-    return reading.status == 0 ? Json_OfValue(reading.value, words) : Json();
-}
 
 // What cannot be read is not known to be moved.
 bool IsMoved(const Value &from, const Reading &to)
@@ -134,7 +118,7 @@ void TellOptionMoved(const Setting &setting, const Assignment &assignment, const
     const std::string note = Valid_NoteOnMove(before.valid, assignment.asked, assignment.stored.value);
     const std::string details = ValidLine(setting, before, assignment.words) +
                                 (note.empty() ? "" : Text_Wrapped(note, setting.output->width, 2));
-    const std::string stored = Shown(assignment.stored, assignment.words);
+    const std::string stored = Reading_Shown(assignment.stored, assignment.words);
     if (Valid_IsNone(before.valid))
         TellMoved(
             setting,
@@ -169,10 +153,7 @@ Reading Read(const Setting &setting, Config *config, const std::string &name)
         const OptionState state = Config_Option(config, name);
         return {state.status, state.value};
     }
-    Reading reading = {0, {}};
-    reading.status =
-        Config_Key(config, {name, KeyTable_Find(&setting.definitions->keys, name.c_str())}, &reading.value);
-    return reading;
+    return Config_Key(config, {name, KeyTable_Find(&setting.definitions->keys, name.c_str())});
 }
 
 // The option as it stands is what the rules are told of, since an earlier assignment may have moved them.
@@ -217,7 +198,7 @@ void SetKey(const Setting &setting, Assignment *assignment)
     if (IsMoved(assignment->asked, assignment->stored))
         TellMoved(setting,
                   fmt::format("{}: the key cannot hold it, and would become {}", Doing(setting, *assignment),
-                              Shown(assignment->stored, assignment->words)),
+                              Reading_Shown(assignment->stored, assignment->words)),
                   "");
 }
 
@@ -237,8 +218,9 @@ void Assign(const Setting &setting, Config *before, std::vector<Assignment> *ass
         if (assignment.stored.status == 0 && IsMoved(assignment.stored.value, assignment.atEnd))
             TellMoved(setting,
                       fmt::format("{}: {} was taken, and a later assignment makes it {}",
-                                  Doing(setting, assignment), Shown(assignment.stored, assignment.words),
-                                  Shown(assignment.atEnd, assignment.words)),
+                                  Doing(setting, assignment),
+                                  Reading_Shown(assignment.stored, assignment.words),
+                                  Reading_Shown(assignment.atEnd, assignment.words)),
                       "");
     }
 }
@@ -248,8 +230,8 @@ void ShowAssignments(const Setting &setting, const std::vector<Assignment> &assi
     Table table = {{setting.definitions == nullptr ? "Option" : "Key", "Asked", "Stored", "Was"}, {}};
     for (const Assignment &assignment : assignments)
         table.rows.push_back({Bytes_Shown(assignment.name), Value_Shown(assignment.asked, assignment.words),
-                              Shown(assignment.atEnd, assignment.words),
-                              Shown(assignment.old, assignment.words)});
+                              Reading_Shown(assignment.atEnd, assignment.words),
+                              Reading_Shown(assignment.old, assignment.words)});
     Output_Table(setting.output, table);
 }
 
@@ -261,8 +243,8 @@ void PutAssignments(const Setting &setting, const std::vector<Assignment> &assig
         Json_PutText(&json, "name", assignment.name);
         json["layer"] = setting.definitions == nullptr ? "option" : "key";
         json["asked"] = Json_OfValue(assignment.asked, assignment.words);
-        json["stored"] = AsJson(assignment.atEnd, assignment.words);
-        json["old"] = AsJson(assignment.old, assignment.words);
+        Json_PutReading(&json, "stored", assignment.atEnd, assignment.words);
+        Json_PutReading(&json, "old", assignment.old, assignment.words);
         json["moved"] = IsMoved(assignment.asked, assignment.atEnd);
         list.push_back(json);
     }

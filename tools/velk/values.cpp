@@ -70,8 +70,7 @@ ExitStatus Run_Values(const Arguments &arguments, Output *output)
         Json_PutText(document, "label", words.label);
         Json_PutText(document, "unit", words.unit);
         Json_PutText(document, "help", words.help);
-        (*document)["value"] = state.status == 0 ? Json_OfValue(state.value, words) : Json();
-        (*document)["valueError"] = state.status < 0 ? Json_OfStatus(state.status) : Json();
+        Json_PutReading(document, "value", {state.status, state.value}, words);
         (*document)["valid"] = Json_OfValid(state.valid, words);
         (*document)["isValid"] = state.status == 0 ? Json(Valid_Admits(state.valid, state.value)) : Json();
         (*document)["notes"] = Valid_Notes(state.valid);
