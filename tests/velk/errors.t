@@ -47,6 +47,12 @@ Errors say what was being done, what went wrong, and what to do.
   $ velk get Memry -d vxi --board 8
   velk: cannot find the option or key 'Memry': Unknown option (-9); did you mean Memory?
   [3]
+  $ velk get memory -d vxi --board 8
+  velk: cannot find the option or key 'memory': Unknown option (-9); did you mean Memory, MemoryOffset or MemoryEnable?
+  [3]
+  $ velk get AddresSpace -d vxi --board 8
+  velk: cannot find the option or key 'AddresSpace': Unknown option (-9); did you mean AddressSpace?
+  [3]
   $ velk get mem -d vxi --board 8 --key
   velk: cannot find the key 'mem': Unknown key (-13); did you mean MemoryCode, MemoryActive or MemoryOffset?
   [3]

@@ -150,15 +150,16 @@ std::vector<std::string> Names_Near(const std::vector<std::string> &names, std::
     std::vector<std::pair<size_t, std::string>> near;
     for (const std::string &name : names) {
         const bool begins = mistyped.size() >= 3 && Bytes_StartWith(name, mistyped);
-        const size_t distance = begins ? 1 : Distance(name, mistyped);
+        const size_t distance = Bytes_AreAlike(name, mistyped) ? 0 : begins ? 1 : Distance(name, mistyped);
         if (distance <= farthest && distance < mistyped.size())
             near.emplace_back(distance, name);
     }
     std::stable_sort(near.begin(), near.end(),
                      [](const auto &one, const auto &other) { return one.first < other.first; });
     std::vector<std::string> nearest;
-    for (size_t n = 0; n < near.size() && n < 3; ++n)
-        nearest.push_back(near[n].second);
+    for (const auto &[distance, name] : near)
+        if (nearest.size() < 3 && std::find(nearest.begin(), nearest.end(), name) == nearest.end())
+            nearest.push_back(name);
     return nearest;
 }
 

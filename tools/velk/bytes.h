@@ -27,7 +27,7 @@ std::string_view Bytes_Trimmed(std::string_view bytes);
 bool Bytes_StartWith(std::string_view bytes, std::string_view start);
 bool Bytes_AreAlike(std::string_view first, std::string_view second);
 
-// The names that a mistyped one may have meant, the likeliest first; at most three.
+// The names that a mistyped one may have meant, each once, the likeliest first; at most three.
 std::vector<std::string> Names_Near(const std::vector<std::string> &names, std::string_view mistyped);
 
 // "a, b or c".

@@ -26,11 +26,12 @@ Found GetKey(Getter *getter, const std::string &name, bool mayBeOption)
         getter->definitions = Session_Definitions(getter->session);
     const KeyDef *key = KeyTable_Find(&getter->definitions->keys, name.c_str());
     if (key == nullptr) {
-        std::vector<std::string> names =
-            Catalogue_DefinedNames(getter->session.catalogue, getter->session.className, "Keys");
+        std::vector<std::string> names;
         if (mayBeOption)
-            for (const std::string &option : Session_OptionNames(getter->session))
-                names.push_back(option);
+            names = Session_OptionNames(getter->session);
+        for (const std::string &defined :
+             Catalogue_DefinedNames(getter->session.catalogue, getter->session.className, "Keys"))
+            names.push_back(defined);
         Fail_Unknown(mayBeOption ? "option or key" : "key", name, names,
                      mayBeOption ? StatusUnknownOption : StatusUnknownKey);
     }
