@@ -63,10 +63,10 @@ Errors say what was being done, what went wrong, and what to do.
   velk: cannot find the option 'xyz': Unknown option (-9); look at `velk list` for the names.
   [3]
   $ velk get Memory -d vxi --board 300
-  velk: cannot read board 300: Unable to access hardware (-102); look whether there is a board of this number.
+  velk: cannot read board 300: Unable to access hardware (-102); look whether there is a board of this number, and at the settings of its accessor in the catalogue.
   [4]
   $ velk get Memory -d vxi --board 2
-  velk: cannot read board 2: Configuration EEPROM is invalid (-108); look whether there is a board of this number; if so, load a good save file into it.
+  velk: cannot read board 2: Configuration EEPROM is invalid (-108); look whether there is a board of this number; if so, what it holds has to be mended by other means.
   [4]
   $ velk get Memory -d vxi --board 8,1
   velk: cannot read board 8,1: Incorrect hardware type (-103); look whether the board is one of this class, and the second word of --board.

@@ -115,5 +115,5 @@ What the engine does not look at.
   velk: cannot read save file nowhere.cfg: Invalid file format (-4); look whether it is there and may be read: No such file or directory.
   [3]
   $ velk save /nowhere/one.cfg --board 1
-  velk: cannot save board 1 to /nowhere/one.cfg: Error writing file (-6); look at the rights and the room of its directory.
+  velk: cannot save board 1 to /nowhere/one.cfg: Error writing file (-6); look whether its directory is there, and at its rights and its room.
   [3]
