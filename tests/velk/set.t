@@ -50,6 +50,11 @@ Setting options: what is told, what is asked, and what is written.
 
 All of them or none.
 
+  $ velk set --board 8 --yes --key Averages=5
+  velk: cannot set Averages=5 on board 8: Internal error (-99); give a value that the key can hold.
+    Valid: 1, 4, 16, 64.
+    Not written.
+  [3]
   $ velk set Averages=4 AddressSpace=1 Lable=x --board 8 --yes
   velk: cannot find the option 'Lable': Unknown option (-9); did you mean Label?
     Not written.
@@ -76,7 +81,7 @@ A value that moves, and why.
   velk: set Speed=20 on board 5: 20 MHz is not valid now and would become 32 MHz (sleepy).
     Valid: 16 MHz (slow), 32 MHz (sleepy), 64 MHz, 128 MHz (fast).
     A list moves a value up to the next larger one, though 16 is nearer.
-    --strict lets nothing be moved.
+    --strict lets nothing be moved: give a value that stays, or leave --strict out.
     Not written.
   [1]
   $ velk set Speed=17 --board 5 --dry-run
@@ -162,7 +167,7 @@ A value that moves, and why.
   $ velk set Mode=4 Title=other --board 5 --dry-run --strict
   velk: set Title=other on board 5: "other" is not valid now and would become "fixed".
     Valid: "fixed".
-    --strict lets nothing be moved.
+    --strict lets nothing be moved: give a value that stays, or leave --strict out.
     Not written.
   [1]
   $ velk set Mode=0x40 --board 5 --dry-run --key
@@ -220,7 +225,7 @@ Values in their notations.
   Board 0: 1 register, written and read back.
   ()
   $ velk set 'Lines=1, x' --board 0 --yes
-  velk: cannot read the value for Lines: 'x' is no 32-bit number; give one, such as 16 or 0x10.
+  velk: cannot read the value for Lines: 'x' is no 32-bit number; give a list, such as (1, 2, :4:2:10).
     Not written.
   [2]
   $ velk set 'Lines=::' --board 0 --yes
@@ -232,15 +237,15 @@ Values in their notations.
     Not written.
   [2]
   $ velk set Mode=09 --board 0 --yes
-  velk: cannot read the value for Mode: '09' is no 32-bit number and none of its words; look at `velk values` for the words.
+  velk: cannot read the value for Mode: '09' is no 32-bit number and none of its words; give a number, or a word such as 7, tab\there or caf\xE9.
     Not written.
   [2]
   $ velk set Mode=99999999999 --board 0 --yes
-  velk: cannot read the value for Mode: '99999999999' is no 32-bit number and none of its words; look at `velk values` for the words.
+  velk: cannot read the value for Mode: '99999999999' is no 32-bit number and none of its words; give a number, or a word such as 7, tab\there or caf\xE9.
     Not written.
   [2]
   $ velk set Mode= --board 0 --yes
-  velk: cannot read the value for Mode: '' is no 32-bit number and none of its words; look at `velk values` for the words.
+  velk: cannot read the value for Mode: '' is no 32-bit number and none of its words; give a number, or a word such as 7, tab\there or caf\xE9.
     Not written.
   [2]
   $ velk set Mode --board 0 --yes
@@ -292,6 +297,14 @@ From a file, and from standard input.
   velk: cannot read 'Speed' in line 2 of standard input; give NAME=VALUE.
     Not written.
   [2]
+  $ printf 'Mode=4\n\nSpeed=foo\n' | velk set --from - --board 0 --yes
+  velk: cannot read the value for Speed: 'foo' is no 32-bit number and none of its words (line 3 of standard input); give a number, or a word such as slow, sleepy or fast.
+    Not written.
+  [2]
+  $ velk set --from /dev/null --board 0 --yes
+  Working copy of board 0, class Board (.):
+  Nothing is asked for.
+  Board 0: not written, since nothing changes.
   $ velk set --from . --board 0 --yes
   velk: cannot read .: Is a directory; give a file of NAME=VALUE lines.
     Not written.
@@ -318,7 +331,7 @@ Keys, and what hangs on them.
   [3]
   $ velk set --keys Speed=300 --board 0 --dry-run --strict
   velk: set Speed=300 on board 0: the key cannot hold it, and would become 44 MHz.
-    --strict lets nothing be moved.
+    --strict lets nothing be moved: give a value that stays, or leave --strict out.
     Not written.
   [1]
 

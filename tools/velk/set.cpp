@@ -19,6 +19,7 @@ namespace
 // One NAME=VALUE.
 struct Assignment {
     std::string name, text;
+    std::string line; // "line 2 of settings", or nothing: of the command line
     Words words;
     Value asked;
     Reading old, stored;
@@ -61,13 +62,15 @@ void ReadLines(std::istream &stream, const std::string &name, std::vector<Assign
         const std::string_view trimmed = Bytes_Trimmed(line);
         if (trimmed.empty() || trimmed.starts_with('#'))
             continue;
+        const std::string place = fmt::format("line {} of {}", number, Bytes_Shown(name));
         try {
             assignments->push_back(Split(std::string(trimmed)));
         } catch (Failure &failure) {
-            failure.message += fmt::format(" in line {} of {}", number, Bytes_Shown(name));
+            failure.message += " in " + place;
             throw;
         }
         assignments->back().text = Bytes_Trimmed(assignments->back().text);
+        assignments->back().line = place;
     }
     if (stream.bad())
         throw Failure{ExitUsage, fmt::format("cannot read {}: {}", Bytes_Shown(name), strerror(errno)),
@@ -102,7 +105,9 @@ std::string Doing(const Setting &setting, const Assignment &assignment)
 void TellMoved(const Setting &setting, const std::string &message, const std::string &details)
 {
     if (setting.arguments.isStrict)
-        throw Failure{ExitDiffers, message, "", 0, details + "  --strict lets nothing be moved.\n"};
+        throw Failure{
+            ExitDiffers, message, "", 0,
+            details + "  --strict lets nothing be moved: give a value that stays, or leave --strict out.\n"};
     Output_Warn(setting.output, message, details);
 }
 
@@ -178,6 +183,22 @@ void SetOption(const Setting &setting, Assignment *assignment)
         TellOptionMoved(setting, *assignment, before);
 }
 
+// The engine has one code for a value that a key has no bits for and for its own mistakes.
+Failure KeyFailure(const Setting &setting, const Assignment &assignment, const KeyDef &key, StatusCode status)
+{
+    Failure failure = Failure_Of(ExitEngine, Doing(setting, assignment), status);
+    if (status != StatusInternalError)
+        return failure;
+    failure.next = "give a value that the key can hold";
+    if (key.type == KeyTypeIndex) {
+        OptionState state = {};
+        state.valid.kind = ValidKindList;
+        state.valid.numbers.assign(key.array, key.array + key.arrayCount);
+        failure.details = ValidLine(setting, state, assignment.words);
+    }
+    return failure;
+}
+
 void SetKey(const Setting &setting, Assignment *assignment)
 {
     const NamedKey named = {assignment->name,
@@ -193,7 +214,7 @@ void SetKey(const Setting &setting, Assignment *assignment)
     Value_Lend(assignment->asked, &lent);
     const StatusCode status = VelkSetKey(setting.config, assignment->name.c_str(), lent.word);
     if (status < 0)
-        throw Failure_Of(ExitEngine, Doing(setting, *assignment), status);
+        throw KeyFailure(setting, *assignment, *named.key, status);
     assignment->stored = Read(setting, setting.config, assignment->name);
     if (IsMoved(assignment->asked, assignment->stored))
         TellMoved(setting,
@@ -202,16 +223,26 @@ void SetKey(const Setting &setting, Assignment *assignment)
                   "");
 }
 
+void AssignOne(const Setting &setting, Assignment *assignment)
+{
+    assignment->words =
+        Catalogue_Words(setting.session.catalogue, setting.session.className, assignment->name);
+    try {
+        if (setting.definitions != nullptr)
+            SetKey(setting, assignment);
+        else
+            SetOption(setting, assignment);
+    } catch (Failure &failure) {
+        if (!assignment->line.empty())
+            failure.message += fmt::format(" ({})", assignment->line);
+        throw;
+    }
+}
+
 void Assign(const Setting &setting, Config *before, std::vector<Assignment> *assignments)
 {
-    for (Assignment &assignment : *assignments) {
-        assignment.words =
-            Catalogue_Words(setting.session.catalogue, setting.session.className, assignment.name);
-        if (setting.definitions != nullptr)
-            SetKey(setting, &assignment);
-        else
-            SetOption(setting, &assignment);
-    }
+    for (Assignment &assignment : *assignments)
+        AssignOne(setting, &assignment);
     for (Assignment &assignment : *assignments) {
         assignment.old = Read(setting, before, assignment.name);
         assignment.atEnd = Read(setting, setting.config, assignment.name);
@@ -232,7 +263,10 @@ void ShowAssignments(const Setting &setting, const std::vector<Assignment> &assi
         table.rows.push_back({Bytes_Shown(assignment.name), Value_Shown(assignment.asked, assignment.words),
                               Reading_Shown(assignment.atEnd, assignment.words),
                               Reading_Shown(assignment.old, assignment.words)});
-    Output_Table(setting.output, table);
+    if (assignments.empty())
+        Output_Line(setting.output, "Nothing is asked for.");
+    else
+        Output_Table(setting.output, table);
 }
 
 void PutAssignments(const Setting &setting, const std::vector<Assignment> &assignments)

@@ -70,7 +70,7 @@ std::string ListShown(const std::vector<uint32_t> &list, const Words &words)
     return fmt::format("({})", fmt::join(shown, ", "));
 }
 
-Failure NotAValue(const std::string &what, const std::string &text, const Words &words)
+Failure NotAValue(const std::string &what, const std::string &text, const Words &words, const char *advice)
 {
     std::vector<std::string> known;
     for (const auto &[number, word] : words.byNumber)
@@ -78,17 +78,19 @@ Failure NotAValue(const std::string &what, const std::string &text, const Words 
     Failure failure = {
         ExitUsage,
         fmt::format("cannot read the value for {}: '{}' is no 32-bit number", what, Bytes_Shown(text)),
-        "give one, such as 16 or 0x10"};
+        advice};
     if (!known.empty()) {
         failure.message += " and none of its words";
         const std::vector<std::string> near = Names_Near(known, text);
-        failure.next = near.empty() ? "look at `velk values` for the words"
+        if (known.size() > ShownNumbers)
+            known.resize(ShownAhead);
+        failure.next = near.empty() ? "give a number, or a word such as " + Names_Join(known, " or ")
                                     : "did you mean " + Names_Join(near, " or ") + "?";
     }
     return failure;
 }
 
-uint32_t ParseNumber(const std::string &text, const Words &words, const std::string &what)
+uint32_t ParseNumber(const std::string &text, const Words &words, const std::string &what, const char *advice)
 {
     uint32_t number;
     if (Number_Read(text, &number))
@@ -97,7 +99,7 @@ uint32_t ParseNumber(const std::string &text, const Words &words, const std::str
     if (found.size() == 1)
         return found[0];
     if (found.empty())
-        throw NotAValue(what, text, words);
+        throw NotAValue(what, text, words, advice);
     std::vector<std::string> candidates;
     candidates.reserve(found.size());
     for (const uint32_t candidate : found)
@@ -131,7 +133,9 @@ std::vector<uint32_t> ParseList(const std::string &text, const Words &words, con
         if (!notation.empty())
             notation += ',';
         notation +=
-            !piece.empty() && IsRange(piece) ? piece : std::to_string(ParseNumber(piece, words, what));
+            !piece.empty() && IsRange(piece)
+                ? piece
+                : std::to_string(ParseNumber(piece, words, what, "give a list, such as (1, 2, :4:2:10)"));
         if (comma == std::string_view::npos)
             break;
         inside.remove_prefix(comma + 1);
@@ -261,7 +265,8 @@ Value Value_Parse(const std::string &text, int32_t kind, const Words &words, con
     Value value;
     value.kind = kind;
     if (kind == ValueKindNumber)
-        value.number = ParseNumber(std::string(Bytes_Trimmed(text)), words, what);
+        value.number =
+            ParseNumber(std::string(Bytes_Trimmed(text)), words, what, "give one, such as 16 or 0x10");
     else if (kind == ValueKindList)
         value.list = ParseList(text, words, what);
     else
