@@ -5,7 +5,7 @@ Errors say what was being done, what went wrong, and what to do.
   velk: there is no command 'lst'; did you mean list?
   [2]
   $ velk list --bord 8
-  velk: cannot read the command line: The following argument was not expected: --bord; did you mean --board?
+  velk: cannot read the command line: the following argument was not expected: --bord; did you mean --board?
   [2]
   $ velk get -d vxi --board 8
   velk: cannot run get: it wants the NAME of an option; see `velk help get`.
@@ -62,6 +62,15 @@ Errors say what was being done, what went wrong, and what to do.
   $ velk list xyz -d vxi
   velk: cannot find the option 'xyz': Unknown option (-9); look at `velk list` for the names.
   [3]
+  $ velk list 8 -d vxi
+  velk: cannot find the option '8': Unknown option (-9); did you mean --board 8?
+  [3]
+  $ velk list --board 8 -d vxi --key
+  velk: cannot run list with --key but without --file; leave it out, or see `velk help list`.
+  [2]
+  $ velk list --board
+  velk: cannot read the command line: --board: 1 required N[,M] missing; see `velk help list`.
+  [2]
   $ velk get Memory -d vxi --board 300
   velk: cannot read board 300: Unable to access hardware (-102); look whether there is a board of this number, and at the settings of its accessor in the catalogue.
   [4]

@@ -109,7 +109,7 @@ What the engine does not look at.
   the same bytes
   $ echo '[Data' >broken.cfg
   $ velk get Mode --file broken.cfg
-  velk: cannot read save file broken.cfg: Invalid file format (-4); mend its line 1.
+  velk: cannot read save file broken.cfg: Invalid file format (-4); mend its line 1, or give it a file that `velk save` has written.
   [3]
   $ velk get Mode --file nowhere.cfg
   velk: cannot read save file nowhere.cfg: Invalid file format (-4); look whether it is there and may be read: No such file or directory.

@@ -40,7 +40,7 @@ What boards look like, and the layers below their options.
   Label         "DIGITIZER"                any text
   TriggerLines  (0, 3)                     any list
   $ velk list -b 2>&1 | head -1
-  velk: cannot read the command line: The following argument was not expected: -b; see `velk help list`.
+  velk: cannot read the command line: the following argument was not expected: -b; see `velk help list`.
   $ velk list --board 8 'MEM*' passed
   Board 8, class VxiDevice (.):
   Option        Value          Valid now

@@ -49,12 +49,12 @@ constexpr CommandText Commands[] = {
      "velk list --board 8 --keys\n"
      "velk list --board 8 --registers\n"},
     {Get, "get", "NAME...", "Shows values alone, a line each.",
-     "A NAME is that of an option or else of a key. Numbers are decimal, lists in parentheses; --json gives "
-     "words "
-     "and exact bytes too.",
+     "A NAME is that of an option or else of a key, of a --board or a --file. Numbers are decimal, lists in "
+     "parentheses; --json gives words and exact bytes too.",
      "velk get AddressSpace Memory --board 8\n"
      "velk get --board 8 --key ModelCode\n"},
-    {Values, "values", "NAME", "Shows the values that an option may take now, with their words.", "",
+    {Values, "values", "NAME", "Shows the values that an option may take now, with their words.",
+     "What is valid depends on the other options, so it wants a --board or a --file.",
      "velk values Memory --board 8\n"},
     {Set, "set", "NAME=VALUE...", "Sets options, all of them or none.",
      "The assignments are made in order on a working copy. Then it shows what they and the options behind "
@@ -78,7 +78,8 @@ constexpr CommandText Commands[] = {
      "velk save board8.cfg --board 8\n"
      "velk load board8.cfg --board 8 --dry-run\n"
      "velk load board8.cfg --board 8 --yes --strict\n"},
-    {Status, "status", "CODE...", "Shows the messages of status codes.", "", "velk status -102 -16 1\n"},
+    {Status, "status", "CODE...", "Shows the messages of status codes.",
+     "An error names the code of what went wrong in parentheses.", "velk status -102 -16 1\n"},
     {Help, "help", "[COMMAND]", "Shows how to use a command.", "", "velk help set\n"},
 };
 
@@ -119,10 +120,11 @@ constexpr OptionText Options[] = {
      &Arguments::isStrict, nullptr},
     {WithPlace | Diff | Load, "--force", nullptr, "take a save file of another class or version",
      &Arguments::isForced, nullptr},
-    {All & ~(Status | Help), "--definitions,-d", "DIR", "the definition directory", nullptr,
+    {All & ~(Status | Help), "--definitions,-d", "DIR",
+     "the definition directory; else VELK_DEFINITIONS, or the working directory", nullptr,
      &Arguments::definitions},
-    {All & ~(Classes | Status | Help), "--class,-c", "NAME", "the class, where there are several", nullptr,
-     &Arguments::className},
+    {All & ~(Classes | Status | Help), "--class,-c", "NAME",
+     "the class, where there are several; else VELK_CLASS", nullptr, &Arguments::className},
     {All, "--json", nullptr, "one JSON document on standard output, whatever happens", &Arguments::isJson,
      nullptr},
     {All, "--help,-h", nullptr, "show this", &Arguments::wantsHelp, nullptr},
@@ -159,7 +161,7 @@ void AddOption(CLI::App *app, const OptionText &option, Arguments *arguments)
     if (option.value == &Arguments::key)
         added->expected(0, 1);
     else
-        added->expected(1)->check(RequireText);
+        added->expected(1)->type_name(option.argument)->check(RequireText);
 }
 
 // The command that is called alone gets its options: a script calls this program often.
@@ -286,6 +288,8 @@ Failure UsageFailure(const CLI::ParseError &error, const Arguments &arguments)
     std::string message = Bytes_Shown(error.what());
     while (message.ends_with('.') || message.ends_with('\n'))
         message.pop_back();
+    if (message.starts_with("The "))
+        message[0] = 't';
     const std::string help = arguments.command.empty() ? "velk help" : "velk help " + arguments.command;
     return {ExitUsage, "cannot read the command line: " + message, "see `" + help + "`"};
 }
@@ -390,6 +394,11 @@ Place Arguments_Place(const Arguments &arguments, const std::string &className, 
     if (!arguments.board.empty() && !arguments.file.empty())
         throw Failure{ExitUsage, fmt::format("cannot run {} with both --board and --file", arguments.command),
                       "give one of them"};
+    if (arguments.hasKey && arguments.file.empty() &&
+        (arguments.command == "list" || arguments.command == "values"))
+        throw Failure{ExitUsage,
+                      fmt::format("cannot run {} with --key but without --file", arguments.command),
+                      fmt::format("leave it out, or see `velk help {}`", arguments.command)};
     if (!arguments.board.empty() && !Place_ReadBoard(arguments.board, &place))
         throw Failure{ExitUsage, fmt::format("cannot read the board '{}'", Bytes_Shown(arguments.board)),
                       "give one or two numbers, such as 5 or 5,1"};

@@ -8,8 +8,12 @@
 
 #include <fmt/format.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <unordered_set>
+
+#include <unistd.h>
 
 ProfileHandle Profile_Make()
 {
@@ -27,6 +31,8 @@ Catalogue Catalogue_Read(const std::string &directory)
         return catalogue;
     Failure failure =
         Failure_Of(ExitEngine, fmt::format("read the catalogue {}", Bytes_Shown(path)), StatusNoCatalogue);
+    if (access(path.c_str(), R_OK) != 0 && errno == EACCES)
+        failure.next = fmt::format("look whether it may be read: {}", strerror(errno));
     const int32_t line = IniFailedLine(catalogue.file.get());
     if (line > 0)
         failure.next = fmt::format("mend its line {}", line);

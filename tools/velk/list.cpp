@@ -36,19 +36,26 @@ bool MatchesAny(const std::vector<std::string> &patterns, const std::string &nam
            });
 }
 
-// A pattern that matches nothing is a mistyped name.
-void RequireMatches(const std::vector<std::string> &names, const std::vector<std::string> &patterns,
-                    const char *what, StatusCode code)
+// A pattern that matches nothing is a mistyped name or, since `velk diff` takes one so, a board.
+void RequireMatches(const std::vector<std::string> &names, const Arguments &arguments, const char *what,
+                    StatusCode code)
 {
-    for (const std::string &pattern : patterns)
-        if (std::none_of(names.begin(), names.end(),
-                         [&](const std::string &name) { return Matches(pattern, name); }))
+    for (const std::string &pattern : arguments.names) {
+        if (std::any_of(names.begin(), names.end(),
+                        [&](const std::string &name) { return Matches(pattern, name); }))
+            continue;
+        Place place;
+        if (!arguments.board.empty() || !arguments.file.empty() || !Place_ReadBoard(pattern, &place))
             Fail_Unknown(what, pattern, names, code);
+        Failure failure = Failure_Of(ExitEngine, fmt::format("find the {} '{}'", what, pattern), code);
+        failure.next = fmt::format("did you mean --board {}?", pattern);
+        Fail(failure);
+    }
 }
 
 std::vector<std::string> Matching(std::vector<std::string> names, const Arguments &arguments)
 {
-    RequireMatches(names, arguments.names, arguments.areKeys ? "key" : "option",
+    RequireMatches(names, arguments, arguments.areKeys ? "key" : "option",
                    arguments.areKeys ? StatusUnknownKey : StatusUnknownOption);
     std::erase_if(names, [&](const std::string &name) { return !MatchesAny(arguments.names, name); });
     return names;
@@ -215,7 +222,7 @@ std::vector<Register> MatchingRegisters(const Listing &listing,
             matching.push_back(slot);
         names.insert(names.end(), {id, name});
     }
-    RequireMatches(names, patterns, "register", StatusVRegNotFound);
+    RequireMatches(names, listing.arguments, "register", StatusVRegNotFound);
     return matching;
 }
 

@@ -115,7 +115,7 @@ static std::string ExplainBadFile(const std::string &path, const std::string &ot
     const ProfileHandle file = Profile_Make();
     IniReadFromFile(file.get(), path.c_str());
     const int32_t line = IniFailedLine(file.get());
-    return line > 0 ? fmt::format("mend its line {}", line) : otherwise;
+    return line > 0 ? fmt::format("mend its line {}, or {}", line, otherwise) : otherwise;
 }
 
 StatusCode Config_Load(Config *config, const Place &place)

@@ -320,10 +320,10 @@ void Tell(const Setting &setting, const Place &place, const std::vector<Assignme
 
 ExitStatus Run_Set(const Arguments &arguments, Output *output)
 {
-    Write_Prepare(arguments, output);
-    std::vector<Assignment> assignments = ReadAssignments(arguments);
     const Session session = Arguments_Session(arguments);
     const Place place = Arguments_Place(arguments, session.className, true);
+    Write_Prepare(arguments, output);
+    std::vector<Assignment> assignments = ReadAssignments(arguments);
     const ConfigHandle before = Place_Load(session, arguments, place, output);
     const ConfigHandle working = Config_Copy(session, before.get());
     const Setting setting = {session,

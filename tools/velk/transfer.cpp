@@ -45,9 +45,9 @@ ExitStatus Run_Save(const Arguments &arguments, Output *output)
 
 ExitStatus Run_Load(const Arguments &arguments, Output *output)
 {
-    Write_Prepare(arguments, output);
     const Session session = Arguments_Session(arguments);
     const Place board = Arguments_Place(arguments, session.className, true);
+    Write_Prepare(arguments, output);
     const Place file = FileOf(arguments, session);
     const ConfigHandle after = Place_Load(session, arguments, file, output);
     const ConfigHandle before = Place_Load(session, arguments, board, output);

@@ -25,7 +25,8 @@ void Ask(const Change &change)
         return;
     std::string answer;
     Stream_Write(STDERR_FILENO, fmt::format("Write this to {}? [y/N] ", Place_Shown(change.target)));
-    std::getline(std::cin, answer);
+    if (!std::getline(std::cin, answer))
+        Stream_Write(STDERR_FILENO, "\n"); // what follows is not to stand behind the question
     if (!Bytes_AreAlike(answer, "y") && !Bytes_AreAlike(answer, "yes"))
         throw Failure{ExitInterrupted, fmt::format("did not {}: the answer was not yes", change.doing)};
 }
@@ -185,7 +186,9 @@ void Write_Prepare(const Arguments &arguments, Output *output)
     if (!arguments.isYes && !arguments.isDryRun && (output->isJson || !CanAsk(arguments)))
         throw Failure{ExitUsage,
                       fmt::format("cannot ask whether to write: {}",
-                                  output->isJson ? "--json asks nothing" : "this is no terminal"),
+                                  output->isJson          ? "--json asks nothing"
+                                  : arguments.from == "-" ? "standard input holds the assignments"
+                                                          : "this is no terminal"),
                       "say --yes to write, or --dry-run to look"};
     if (!arguments.isDryRun)
         Output_LayOutForErrors(output);
