@@ -65,7 +65,7 @@ The key that ties a file to its boards.
   $ velk save other.cfg --board 1 --key Lab
   Board 1, class Board (.): 5 registers, saved to other.cfg.
   $ velk list --file other.cfg
-  velk: cannot read save file other.cfg: Save file incompatible with hardware (-5); give the key that the file was saved with, by --key KEY.
+  velk: cannot read save file other.cfg: Save file incompatible with hardware (-5); say --key 'Lab' if a file of that key is meant.
   [3]
   $ velk get Mode --file other.cfg --key Lab
   1

@@ -59,8 +59,9 @@ All of them or none.
   velk: cannot find the option 'Lable': Unknown option (-9); did you mean Label?
     Not written.
   [3]
-  $ velk set Averages=4 'Label=more than sixteen characters' --board 8 --yes 2>&1 | grep velk:
+  $ velk set Averages=4 'Label=more than sixteen characters' --board 8 --yes --backup kept.cfg 2>&1 | grep -A1 velk:
   velk: cannot set Averages=4 Label=more than sixteen characters on board 8: Incorrect hardware configuration (-104), and it is not written: it was read again, and holds what it held; take a value or a file that fits this board.
+    What was there is saved to kept.cfg.
   $ same mainframe.img before.img
   the same bytes
 

@@ -24,7 +24,7 @@ constexpr CodeText Advice[] = {
     {StatusOutOfMemory, "free memory, or set less at once"},
     {StatusVRegNotFound, "look at `velk list --registers` for the registers that are there"},
     {StatusBadFile, "give it a file that `velk save` has written"},
-    {StatusIncompatibleFile, "give the key that the file was saved with, by --key KEY"},
+    {StatusIncompatibleFile, "give it a file that `velk save` has written"},
     {StatusFileWriteFailed, "look whether its directory is there, and at its rights and its room"},
     {StatusUnknownOption, "look at `velk list` for the names"},
     {StatusBadNumber, "mend the list in the file"},

@@ -118,6 +118,17 @@ static std::string ExplainBadFile(const std::string &path, const std::string &ot
     return line > 0 ? fmt::format("mend its line {}, or {}", line, otherwise) : otherwise;
 }
 
+// What to do about a save file of another key, which only the file knows.
+static std::string ExplainOtherKey(const std::string &path, const std::string &otherwise)
+{
+    const ProfileHandle file = Profile_Make();
+    char *key;
+    if (IniReadFromFile(file.get(), path.c_str()) < 0 ||
+        IniGetPointerToString(file.get(), "Information", "Key", &key) != 1)
+        return otherwise;
+    return fmt::format("say --key '{}' if a file of that key is meant", Bytes_Shown(key));
+}
+
 StatusCode Config_Load(Config *config, const Place &place)
 {
     StatusCode status;
@@ -134,6 +145,8 @@ StatusCode Config_Load(Config *config, const Place &place)
     Failure failure = Failure_Of(isBoards ? ExitBoard : ExitEngine, "read " + Place_Shown(place), status);
     if (place.kind == Place::SaveFile && status == StatusBadFile)
         failure.next = ExplainBadFile(place.file, failure.next);
+    if (place.kind == Place::SaveFile && status == StatusIncompatibleFile)
+        failure.next = ExplainOtherKey(place.file, failure.next);
     Fail(failure);
 }
 

@@ -60,6 +60,11 @@ void RequireOwnBackup(const Change &change)
             "give another one to --backup"};
 }
 
+std::string BackupLine(const std::string &file)
+{
+    return fmt::format("What was there is saved to {}.", Bytes_Shown(file));
+}
+
 void SaveBackup(const Change &change, Output *output)
 {
     const std::string &file = change.arguments.backup;
@@ -70,7 +75,7 @@ void SaveBackup(const Change &change, Output *output)
     const StatusCode status = VelkSaveToFile(change.before, file.c_str(), key.c_str());
     if (status < 0)
         throw Failure_Of(ExitEngine, fmt::format("save the backup {}", Bytes_Shown(file)), status);
-    Output_Line(output, fmt::format("What was there is saved to {}.", Bytes_Shown(file)));
+    Output_Line(output, BackupLine(file));
 }
 
 StatusCode Store(const Change &change)
@@ -141,7 +146,8 @@ void PutResult(Output *output, bool isWritten, bool isReadBack, size_t registers
 void StoreAndReadBack(const Change &change, const std::vector<Register> &changed, Output *output)
 {
     const std::string target = Place_Shown(change.target);
-    output->truth.clear();
+    const std::string &backup = change.arguments.backup;
+    output->truth = backup.empty() ? "" : "  " + BackupLine(backup) + "\n";
     const StatusCode status = Store(change);
     if (status < 0) {
         const bool isBoards = change.target.kind == Place::Board && status != StatusOutOfMemory;
