@@ -64,6 +64,7 @@ constexpr CommandText Commands[] = {
      "such as (1, 2, :4:2:10), or a text.",
      "velk set AddressSpace=1 Memory=0x20000 --board 8 --dry-run\n"
      "velk set 'AddressSpace=A16 and A32' --board 8 --yes\n"
+     "velk set 'TriggerLines=(1, 2)' --board 8 --dry-run\n"
      "velk set Averages=16 --board 8 --yes --backup before.cfg\n"
      "velk set --board 8 --yes --key Averages=4\n"},
     {Diff, "diff", "A B", "Shows what differs between two configurations.",
@@ -108,8 +109,8 @@ constexpr OptionText Options[] = {
     {Get | Set, "--keys", nullptr, "the names are those of keys", &Arguments::areKeys, nullptr},
     {List | Diff, "--registers", nullptr, "the registers, the layer below the keys", &Arguments::areRegisters,
      nullptr},
-    {Set, "--from", "FILE", "more assignments, a line each, # for comments; - is standard input", nullptr,
-     &Arguments::from},
+    {Set, "--from", "FILE", "assignments ahead of these, a line each, # for comments; - is standard input",
+     nullptr, &Arguments::from},
     {Set | Load, "--dry-run,-n", nullptr, "show what would change, and write nothing", &Arguments::isDryRun,
      nullptr},
     {Set | Load, "--yes,-y", nullptr, "write without asking", &Arguments::isYes, nullptr},
