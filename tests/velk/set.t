@@ -155,7 +155,7 @@ A value that moves, and why.
   Mode    1               1              2
   Board 5: not written. 2 registers would change.
   $ velk set Mode=3 --board 5 --yes
-  velk: cannot set Mode=3 on board 5: Several lists are valid, and none of them can be chosen (-16); set the options that its rules test first.
+  velk: cannot set Mode=3 on board 5: Several lists are valid, and none of them can be chosen (-16); give values under which no rule of an option offers several lists.
     Valid: 0 to 15.
     Not written.
   [3]

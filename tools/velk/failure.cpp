@@ -22,6 +22,7 @@ constexpr CodeText Messages[] = {
 
 constexpr CodeText Advice[] = {
     {StatusOutOfMemory, "free memory, or set less at once"},
+    {StatusNotLoaded, "look at its accessor, which gave no registers"},
     {StatusVRegNotFound, "look at `velk list --registers` for the registers that are there"},
     {StatusBadFile, "give it a file that `velk save` has written"},
     {StatusIncompatibleFile, "give it a file that `velk save` has written"},
@@ -29,10 +30,11 @@ constexpr CodeText Advice[] = {
     {StatusUnknownOption, "look at `velk list` for the names"},
     {StatusBadNumber, "mend the list in the file"},
     {StatusUnknownKey, "look at `velk list --keys` for the names"},
-    {StatusSeveralLists, "set the options that its rules test first"},
+    {StatusSeveralLists, "give values under which no rule of an option offers several lists"},
     {StatusWrongKind, "give a value of its kind, as `velk values` shows"},
     {StatusKindMismatch, "mend its definition"},
     {StatusInternalError, "look at `velk list --keys` for keys that cannot be read"},
+    {StatusResetNeeded, "reset the system and try once more"},
     {StatusHardwareInitFailed, "look whether the board is there and switched on"},
     {StatusHardwareAccessFailed,
      "look whether there is a board of this number, and at the settings of its accessor in the catalogue"},
@@ -96,6 +98,8 @@ bool Status_IsAccessors(StatusCode code)
 Failure Failure_Of(ExitStatus exit, const std::string &doing, StatusCode code)
 {
     const char *advice = Find(Advice, code);
+    if (advice == nullptr && (code > 0 || Status_IsAccessors(code)))
+        advice = "look the code up in the documents of its accessor";
     return {exit, fmt::format("cannot {}: {}", doing, Status_Text(code)), advice == nullptr ? "" : advice,
             code};
 }
