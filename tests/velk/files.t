@@ -24,10 +24,10 @@ Save files: their way to boards and back, and those that do not fit.
   Mode    0        1
   Speed   0 MHz    16 MHz (slow)
   Title   ""       "one"
-  Register    board 0     save file one.cfg
-  0x00000010  0x00000000  0x00000010
-  0x00000012  0x00000000  0x00000001
-  0x0B000010  ""          "one"
+  Register    Name   board 0     save file one.cfg
+  0x00000010  Clock  0x00000000  0x00000010
+  0x00000012         0x00000000  0x00000001
+  0x0B000010         ""          "one"
   [1]
   $ velk diff 0 1 --keys
   Board 0, class Board (.) and board 1:

@@ -129,18 +129,24 @@ std::string RegisterShown(const Value *value)
 
 void DiffRegisters(const Comparison &comparison, const std::vector<RegisterDifference> &differences)
 {
-    Table table = {{"Register", comparison.firstName, comparison.secondName}, {}};
+    const std::map<uint32_t, std::string> symbols =
+        Catalogue_Symbols(comparison.session.catalogue, comparison.session.className);
+    Table table = {{"Register", "Name", comparison.firstName, comparison.secondName}, {}};
     Json list = Json::array();
     for (const RegisterDifference &difference : differences) {
         const auto &[id, instance] = difference.name;
+        const auto symbol = symbols.find(id);
         table.rows.push_back(
             {instance == 1 ? fmt::format("0x{:08X}", id) : fmt::format("0x{:08X}:{}", id, instance),
-             RegisterShown(difference.first), RegisterShown(difference.second)});
+             symbol == symbols.end() ? "" : Bytes_Shown(symbol->second), RegisterShown(difference.first),
+             RegisterShown(difference.second)});
         Json json = {{"id", id}, {"instance", instance}};
+        Json_PutText(&json, "name", symbol == symbols.end() ? "" : symbol->second);
         json["a"] = difference.first == nullptr ? Json() : Json_OfValue(*difference.first, {});
         json["b"] = difference.second == nullptr ? Json() : Json_OfValue(*difference.second, {});
         list.push_back(json);
     }
+    Table_RemoveEmptyColumns(&table);
     comparison.output->document["registers"] = list;
     ShowTable(comparison, "register", table);
 }

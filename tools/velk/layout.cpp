@@ -95,6 +95,22 @@ static size_t Taken(const std::vector<size_t> &widths)
     return taken;
 }
 
+void Table_RemoveColumn(Table *table, size_t column)
+{
+    const auto at = static_cast<std::ptrdiff_t>(column);
+    table->heads.erase(table->heads.begin() + at);
+    for (auto &row : table->rows)
+        row.erase(row.begin() + at);
+}
+
+void Table_RemoveEmptyColumns(Table *table)
+{
+    for (size_t n = table->heads.size(); n-- > 1;)
+        if (std::all_of(table->rows.begin(), table->rows.end(),
+                        [&](const auto &row) { return row[n].empty(); }))
+            Table_RemoveColumn(table, n);
+}
+
 size_t Table_Width(const Table &table)
 {
     const std::vector<size_t> widths = Widths(table);

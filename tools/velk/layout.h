@@ -10,6 +10,11 @@ struct Table {
     std::vector<std::vector<std::string>> rows; // of shown texts; the first of each is its name
 };
 
+void Table_RemoveColumn(Table *table, size_t column);
+
+// A head that stands over nothing goes, but the first.
+void Table_RemoveEmptyColumns(Table *table);
+
 // The columns of a terminal on which no line is broken.
 size_t Table_Width(const Table &table);
 

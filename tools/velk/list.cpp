@@ -61,28 +61,11 @@ std::vector<std::string> Matching(std::vector<std::string> names, const Argument
     return names;
 }
 
-void RemoveColumn(Table *table, size_t column)
-{
-    const auto at = static_cast<std::ptrdiff_t>(column);
-    table->heads.erase(table->heads.begin() + at);
-    for (auto &row : table->rows)
-        row.erase(row.begin() + at);
-}
-
-// A head that stands over nothing goes.
-void RemoveEmptyColumns(Table *table)
-{
-    for (size_t n = table->heads.size(); n-- > 1;)
-        if (std::all_of(table->rows.begin(), table->rows.end(),
-                        [&](const auto &row) { return row[n].empty(); }))
-            RemoveColumn(table, n);
-}
-
 // Labels are the first to go where lines would be broken.
 void RemoveLabelsWithoutRoom(Table *table, size_t width)
 {
     if (table->heads[1] == LabelHead && Table_Width(*table) > width)
-        RemoveColumn(table, 1);
+        Table_RemoveColumn(table, 1);
 }
 
 // A number without a word may be an address or a code, which people know in base 16.
@@ -138,7 +121,7 @@ void ListOptions(const Listing &listing)
         if (listing.output->isJson)
             (*document)["options"].push_back(OptionJson(state, words, listing.hasValues));
     }
-    RemoveEmptyColumns(&table);
+    Table_RemoveEmptyColumns(&table);
     RemoveLabelsWithoutRoom(&table, listing.output->width);
     Output_Table(listing.output, table);
 }
@@ -204,7 +187,7 @@ void ListKeys(const Listing &listing)
         if (listing.output->isJson)
             listing.output->document["keys"].push_back(KeyJson(state, words, listing.hasValues));
     }
-    RemoveEmptyColumns(&table);
+    Table_RemoveEmptyColumns(&table);
     Output_Table(listing.output, table);
 }
 
@@ -250,7 +233,7 @@ void ListRegisters(const Listing &listing)
             listing.output->document["registers"].push_back(json);
         }
     }
-    RemoveEmptyColumns(&table);
+    Table_RemoveEmptyColumns(&table);
     Output_Table(listing.output, table);
 }
 
