@@ -114,6 +114,15 @@ Definitions that are not there, or broken.
   Class      Accessor   Key files  Option files  Defines
   VxiDevice  velkimage  keys.ini   options.ini   18 keys, 13 options
   Board      velkimage  keys.ini   options.ini   18 keys, 13 options
+  $ mkdir bare && sed 's/^Options.*/Options = none.ini/' board/CfgClass.ini >bare/CfgClass.ini && >bare/none.ini
+  $ cp board/keys.ini board/zero.img bare && mv bare/zero.img bare/board.img
+  $ velk list -d bare --board 0
+  Board 0, class Board (bare):
+  There are no options.
+  $ sed -i '/^Options/d' bare/CfgClass.ini
+  $ velk list -d bare
+  velk: cannot load the class Board of bare: Incorrect configuration class information (-203); give its section of the catalogue Keys and Options, each of at most 127 characters.
+  [3]
   $ echo 'no item' >>board/keys.ini
   $ velk list -d board
   velk: cannot load the class Board of board: Unable to load key definitions (-205); mend line 19 of board/keys.ini.
@@ -126,11 +135,11 @@ Definitions that are not there, or broken.
                                              board/keys.ini
   $ sed -i '$d; s/= Value/= Vlaue/' board/keys.ini
   $ velk list -d board
-  velk: cannot load the class Board of board: Unable to load key definitions (-205); mend a definition in keys.ini.
+  velk: cannot load the class Board of board: Unable to load key definitions (-205); mend a definition in board/keys.ini.
   [3]
   $ sed -i 's/Vlaue/Value/' board/keys.ini; sed -i 's/Mode:1/Moed:1/' board/options.ini
   $ velk list -d board
-  velk: cannot load the class Board of board: Unknown option (-9); in options.ini mend an option without keys or rules, one that rules test and nothing defines, or rules that test each other in a circle.
+  velk: cannot load the class Board of board: Unknown option (-9); in board/options.ini mend an option without keys or rules, one that rules test and nothing defines, or rules that test each other in a circle.
   [3]
   $ sed -i 's/velkimage/nosuch/' board/CfgClass.ini
   $ velk list -d board

@@ -118,18 +118,20 @@ std::map<uint32_t, std::string> Catalogue_Symbols(const Catalogue &catalogue, co
 
 std::string Definitions_Explain(const Catalogue &catalogue, const std::string &className, StatusCode status)
 {
+    if (status == StatusBadClass)
+        return "give its section of the catalogue Keys and Options, each of at most 127 characters";
+    const bool areKeys = status == StatusKeyLoadFailed;
+    std::vector<std::string> paths = Catalogue_Files(catalogue, className, areKeys ? "Keys" : "Options");
+    for (std::string &path : paths)
+        path = Catalogue_PathOf(catalogue, path);
     // Each file loads; its options do not fit together.
     if (status == StatusUnknownOption)
         return fmt::format("in {} mend an option without keys or rules, one that rules test and nothing "
                            "defines, or rules that test each other in a circle",
-                           Names_Join(Catalogue_Files(catalogue, className, "Options"), " or "));
+                           Names_Join(paths, " or "));
     if (status != StatusKeyLoadFailed && status != StatusOptionLoadFailed)
         return {};
-    const bool areKeys = status == StatusKeyLoadFailed;
-    const std::vector<std::string> files =
-        Catalogue_Files(catalogue, className, areKeys ? "Keys" : "Options");
-    for (const std::string &name : files) {
-        const std::string path = Catalogue_PathOf(catalogue, name);
+    for (const std::string &path : paths) {
         const ProfileHandle file = Profile_Make();
         if (IniReadFromFile(file.get(), path.c_str()) == 0) {
             if (!Loads(path, areKeys))
@@ -140,5 +142,5 @@ std::string Definitions_Explain(const Catalogue &catalogue, const std::string &c
         return line > 0 ? fmt::format("mend line {} of {}", line, Bytes_Shown(path))
                         : fmt::format("look whether {} is there and may be read", Bytes_Shown(path));
     }
-    return "mend a definition in " + Names_Join(files, " or ");
+    return "mend a definition in " + Names_Join(paths, " or ");
 }

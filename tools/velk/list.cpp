@@ -64,8 +64,19 @@ std::vector<std::string> Matching(std::vector<std::string> names, const Argument
 // Labels are the first to go where lines would be broken.
 void RemoveLabelsWithoutRoom(Table *table, size_t width)
 {
-    if (table->heads[1] == LabelHead && Table_Width(*table) > width)
+    if (table->heads.size() > 1 && table->heads[1] == LabelHead && Table_Width(*table) > width)
         Table_RemoveColumn(table, 1);
+}
+
+// Without a row the heads would stand alone.
+void Show(Table *table, const char *what, Output *output)
+{
+    Table_RemoveEmptyColumns(table);
+    RemoveLabelsWithoutRoom(table, output->width);
+    if (table->rows.empty())
+        Output_Line(output, fmt::format("There are no {}.", what));
+    else
+        Output_Table(output, *table);
 }
 
 // A number without a word may be an address or a code, which people know in base 16.
@@ -121,9 +132,7 @@ void ListOptions(const Listing &listing)
         if (listing.output->isJson)
             (*document)["options"].push_back(OptionJson(state, words, listing.hasValues));
     }
-    Table_RemoveEmptyColumns(&table);
-    RemoveLabelsWithoutRoom(&table, listing.output->width);
-    Output_Table(listing.output, table);
+    Show(&table, "options", listing.output);
 }
 
 std::string RegisterName(uint32_t id, uint32_t instance, const std::map<uint32_t, std::string> &symbols)
@@ -187,8 +196,7 @@ void ListKeys(const Listing &listing)
         if (listing.output->isJson)
             listing.output->document["keys"].push_back(KeyJson(state, words, listing.hasValues));
     }
-    Table_RemoveEmptyColumns(&table);
-    Output_Table(listing.output, table);
+    Show(&table, "keys", listing.output);
 }
 
 // A pattern is for the id of a register or for its name.
@@ -233,8 +241,7 @@ void ListRegisters(const Listing &listing)
             listing.output->document["registers"].push_back(json);
         }
     }
-    Table_RemoveEmptyColumns(&table);
-    Output_Table(listing.output, table);
+    Show(&table, "registers", listing.output);
 }
 
 } // namespace
