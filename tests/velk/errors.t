@@ -29,6 +29,9 @@ Errors say what was being done, what went wrong, and what to do.
   $ velk diff 8 -d vxi
   velk: cannot run diff: it wants two boards or save files; see `velk help diff`.
   [2]
+  $ velk save '' --board 8 -d vxi
+  velk: cannot run save: it wants names that are not empty; see `velk help save`.
+  [2]
   $ velk status x
   velk: cannot read the status code 'x'; give a number, such as -102.
   [2]

@@ -235,6 +235,10 @@ void CheckNames(const Arguments &arguments)
         wanted = "two boards or save files";
     if ((command == "save" || command == "load") && count != 1)
         wanted = "one FILE";
+    // As of an option's argument: a script's variable may be empty.
+    if ((command == "diff" || command == "save" || command == "load") &&
+        std::find(arguments.names.begin(), arguments.names.end(), "") != arguments.names.end())
+        wanted = "names that are not empty";
     if (command == "status" && count == 0)
         wanted = "a CODE";
     if (command == "classes" && count != 0)
