@@ -35,8 +35,9 @@ Errors say what was being done, what went wrong, and what to do.
   $ velk status x
   velk: cannot read the status code 'x'; give a number, such as -102.
   [2]
-  $ velk status -16 -17 -18 4 -102 1 -77
+  $ velk status 0 -16 -17 -18 4 -102 1 -77
   Code  Message
+  0     Done
   -16   Several lists are valid, and none of them can be chosen
   -17   Not the kind of value that this option or register holds
   -18   A definition puts values of two kinds together
@@ -61,6 +62,9 @@ Errors say what was being done, what went wrong, and what to do.
   [3]
   $ velk values Nothing -d vxi --board 8
   velk: cannot find the option 'Nothing': Unknown option (-9); look at `velk list` for the names.
+  [3]
+  $ velk values ModelCode -d vxi --board 8
+  velk: cannot find the option 'ModelCode': Unknown option (-9); there is a key of this name, and no rule guards keys.
   [3]
   $ velk list xyz -d vxi
   velk: cannot find the option 'xyz': Unknown option (-9); look at `velk list` for the names.

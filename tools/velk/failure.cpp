@@ -14,6 +14,7 @@ struct CodeText {
 
 // What the engine calls unknown.
 constexpr CodeText Messages[] = {
+    {0, "Done"},
     {StatusSeveralLists, "Several lists are valid, and none of them can be chosen"},
     {StatusWrongKind, "Not the kind of value that this option or register holds"},
     {StatusKindMismatch, "A definition puts values of two kinds together"},

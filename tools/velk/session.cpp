@@ -37,6 +37,18 @@ void Fail_Unknown(const char *what, const std::string &name, const std::vector<s
     Fail(failure);
 }
 
+void Fail_UnknownOption(const Session &session, const std::string &name, const char *ofKeys)
+{
+    const std::vector<std::string> keys =
+        Catalogue_DefinedNames(session.catalogue, session.className, "Keys");
+    if (std::find(keys.begin(), keys.end(), name) == keys.end())
+        Fail_Unknown("option", name, Session_OptionNames(session), StatusUnknownOption);
+    Failure failure =
+        Failure_Of(ExitEngine, fmt::format("find the option '{}'", Bytes_Shown(name)), StatusUnknownOption);
+    failure.next = fmt::format("there is a key of this name, {}", ofKeys);
+    Fail(failure);
+}
+
 std::string Catalogue_Choose(const Catalogue &catalogue, const std::string &className)
 {
     const std::vector<std::string> classes = Catalogue_Classes(catalogue);

@@ -99,4 +99,7 @@ std::vector<Register> Registers_Changed(const std::vector<Register> &before,
 [[noreturn]] void Fail_Unknown(const char *what, const std::string &name,
                                const std::vector<std::string> &names, StatusCode code);
 
+// The same of an option; of a name that is a key's it says so, and `ofKeys`.
+[[noreturn]] void Fail_UnknownOption(const Session &session, const std::string &name, const char *ofKeys);
+
 #endif

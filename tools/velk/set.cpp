@@ -140,18 +140,6 @@ void TellOptionMoved(const Setting &setting, const Assignment &assignment, const
                   details);
 }
 
-[[noreturn]] void FailUnknownOption(const Setting &setting, const std::string &name)
-{
-    const std::vector<std::string> keys =
-        Catalogue_DefinedNames(setting.session.catalogue, setting.session.className, "Keys");
-    if (std::find(keys.begin(), keys.end(), name) == keys.end())
-        Fail_Unknown("option", name, Session_OptionNames(setting.session), StatusUnknownOption);
-    Failure failure =
-        Failure_Of(ExitEngine, fmt::format("find the option '{}'", Bytes_Shown(name)), StatusUnknownOption);
-    failure.next = "there is a key of this name, which --keys sets";
-    Fail(failure);
-}
-
 Reading Read(const Setting &setting, Config *config, const std::string &name)
 {
     if (setting.definitions == nullptr) {
@@ -166,7 +154,7 @@ void SetOption(const Setting &setting, Assignment *assignment)
 {
     const OptionState before = Config_Option(setting.config, assignment->name);
     if (before.status == StatusUnknownOption)
-        FailUnknownOption(setting, assignment->name);
+        Fail_UnknownOption(setting.session, assignment->name, "which --keys sets");
     assignment->asked =
         Value_Parse(assignment->text, before.value.kind, assignment->words, Bytes_Shown(assignment->name));
     ValueWord lent;

@@ -54,7 +54,7 @@ ExitStatus Run_Values(const Arguments &arguments, Output *output)
     const std::string &name = arguments.names[0];
     const OptionState state = Config_Option(config.get(), name);
     if (state.validStatus == StatusUnknownOption)
-        Fail_Unknown("option", name, Session_OptionNames(session), StatusUnknownOption);
+        Fail_UnknownOption(session, name, "and no rule guards keys");
     if (state.validStatus < 0)
         throw Failure_Of(
             ExitEngine,
