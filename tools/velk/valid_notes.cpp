@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -49,9 +51,12 @@ std::string Valid_NoteOnMove(const ValidNow &valid, const Value &asked, const Va
         return NoteOnHigh(valid);
     if (valid.kind != ValidKindList || stored.number < asked.number || Valid_Admits(valid, asked))
         return {};
-    for (const uint32_t number : valid.numbers)
-        if (DistanceOf(number, asked.number) < DistanceOf(stored.number, asked.number))
-            return fmt::format("A list moves a value up to the next larger one, though {} is nearer.",
-                               number);
-    return {};
+    const auto nearest =
+        std::min_element(valid.numbers.begin(), valid.numbers.end(), [&](uint32_t one, uint32_t other) {
+            return DistanceOf(one, asked.number) < DistanceOf(other, asked.number);
+        });
+    if (nearest == valid.numbers.end() ||
+        DistanceOf(*nearest, asked.number) == DistanceOf(stored.number, asked.number))
+        return {};
+    return fmt::format("A list moves a value up to the next larger one, though {} is nearer.", *nearest);
 }
