@@ -61,18 +61,17 @@ ExitStatus Run_Get(const Arguments &arguments, Output *output)
         output->document["values"] = Json::array();
     }
     for (const std::string &name : arguments.names) {
-        const auto &[isKey, reading] =
-            arguments.areKeys ? GetKey(&getter, name, false) : GetOption(&getter, name);
-        if (reading.status < 0)
+        const Found found = arguments.areKeys ? GetKey(&getter, name, false) : GetOption(&getter, name);
+        if (found.reading.status < 0)
             throw Failure_Of(ExitEngine, fmt::format("read {} of {}", Bytes_Shown(name), Place_Shown(place)),
-                             reading.status);
-        output->text += Value_Plain(reading.value) + "\n";
+                             found.reading.status);
+        output->text += Value_Plain(found.reading.value) + "\n";
         if (output->isJson) {
             Json json = Json::object();
             Json_PutText(&json, "name", name);
-            json["layer"] = isKey ? "key" : "option";
-            json["value"] =
-                Json_OfValue(reading.value, Catalogue_Words(session.catalogue, session.className, name));
+            json["layer"] = found.isKey ? "key" : "option";
+            json["value"] = Json_OfValue(found.reading.value,
+                                         Catalogue_Words(session.catalogue, session.className, name));
             output->document["values"].push_back(json);
         }
     }
