@@ -72,15 +72,6 @@ TEST(Profile, IsEmptyAfterARefusalAndTellsItsLine)
     }
 }
 
-// Nothing tells how long what comes through it is.
-TEST(Profile, ReadsAPipe)
-{
-    const TextPipe pipe("[s]\n" + Items(3000));
-    const Handle file;
-    EXPECT_EQ(IniReadFromFile(file.profile, pipe.path.c_str()), 0);
-    EXPECT_EQ(IniNumberOfItems(file.profile, "s"), 3000);
-}
-
 // Every text of up to three of the bytes that mean something, and every byte.
 TEST(Profile, WritesAndReadsBackEveryText)
 {

@@ -54,9 +54,6 @@ struct TextPipe {
 // Makes a file larger, by zeros that take no room.
 void File_Extend(const std::string &path, int64_t size);
 
-// The status of a file that is opened when memory runs out; empty where that takes none.
-extern const char openWithoutMemory[];
-
 // Makes "link" in a directory lead to its "file", and gives the name; where there are no links, "file".
 std::string Directory_Link(const std::string &directory);
 

@@ -1,10 +1,7 @@
 #include "tests/support/system.h"
 
 #include <dlfcn.h>
-#include <unistd.h>
-
 #include <filesystem>
-
 #include <fstream>
 #include <unistd.h>
 
@@ -12,7 +9,6 @@
 
 const char nullDevice[] = "/dev/null";
 const char moduleSuffix[] = ".so";
-const char openWithoutMemory[] = "";
 
 std::string System_MakeDirectory()
 {

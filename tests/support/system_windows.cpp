@@ -11,7 +11,6 @@
 
 const char nullDevice[] = "NUL";
 const char moduleSuffix[] = ".DLL";
-const char openWithoutMemory[] = "-4";
 
 // Numbers of processes come again, and with them what a process that died has left.
 std::string System_MakeDirectory()
