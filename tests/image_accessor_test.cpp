@@ -2,7 +2,6 @@
 #include <filesystem>
 
 #include "tests/support/board.h"
-#include "velk32_accessor.h"
 
 namespace
 {
@@ -195,28 +194,6 @@ TEST(ImageAccessor, TouchesNothingWhenThereIsNoBoard)
     Rig rig(Edited(goodSettings, "Stride = 32", "Stride = 0xFFFFFFFF"));
     ASSERT_EQ(rig.Open("A"), 0);
     EXPECT_EQ(rig.Load(0xFFFFFFFF), -102) << "a board beyond any offset";
-}
-
-TEST(ImageAccessor, RefusesAnImageThatShrankDuringASession)
-{
-    for (const auto &[size, status, settings] :
-         {std::tuple{40, -108, ""}, {32, -102, ""}, {0, -102, ""}, {40, -108, "Write = inplace\n"}}) {
-        SCOPED_TRACE(size);
-        Rig rig(settings + goodSettings);
-        ASSERT_EQ(rig.Open("A") + rig.Load(1), 0);
-        rig.Put(Edited(values, "7f", "1"));
-        const HeldModule held(module);
-        const auto open = reinterpret_cast<decltype(&Cfg_CreateSession)>(held.Find("Cfg_CreateSession"));
-        const auto write = reinterpret_cast<decltype(&Cfg_Write)>(held.Find("Cfg_Write"));
-        const auto close = reinterpret_cast<decltype(&Cfg_CloseSession)>(held.Find("Cfg_CloseSession"));
-
-        VelkWord session = 0;
-        ASSERT_EQ(open(1, 0, &session), 0);
-        std::filesystem::resize_file(rig.directory.Path("board.img"), static_cast<uintmax_t>(size));
-        EXPECT_EQ(write(session, TableOf(rig.config)), status);
-        close(session);
-        EXPECT_EQ(rig.directory.Read("board.img"), imageBytes.substr(0, static_cast<size_t>(size)));
-    }
 }
 
 TEST(ImageAccessor, ReportsAWriteThatDoesNotStay)

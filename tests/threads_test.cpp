@@ -8,7 +8,6 @@
 #include <deque>
 #include <filesystem>
 #include <iostream>
-#include <optional>
 #include <thread>
 
 #include "tests/support/board.h"
@@ -189,15 +188,13 @@ TEST(Threads, DoAtOnceWhatTheyDoAlone)
 }
 
 // The loader runs the destructors of a module that goes under its own lock, which the thread sanitizer does
-// not see. There the module is held, so that it stays; elsewhere the threads really load and unload it.
+// not see.
 TEST(Threads, LoadAndUnloadOneModule)
 {
+    if (System_HasSanitizer("tsan"))
+        GTEST_SKIP();
     Desk common;
     ASSERT_EQ(StartSample(common), 0);
-    const bool isHeld = System_HasSanitizer("tsan");
-    std::optional<HeldModule> held;
-    if (isHeld)
-        held.emplace(module);
     std::atomic<uint32_t> unloads{0};
     const auto work = [&](uint32_t n) {
         ConfigEngine *engine;
@@ -209,7 +206,7 @@ TEST(Threads, LoadAndUnloadOneModule)
         VelkDiscardConfig(config);
         unloads.fetch_add(Module_IsLoaded(module) ? 0 : 1, relaxed);
     };
-    RunThreads(work, [&] { return !isHeld && unloads.load(relaxed) < 20; });
+    RunThreads(work, [&] { return unloads.load(relaxed) < 20; });
     std::cout << "measured: " << unloads << " times seen unloaded\n";
-    EXPECT_EQ(unloads == 0, isHeld);
+    EXPECT_GT(unloads, 0U);
 }

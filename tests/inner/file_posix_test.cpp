@@ -10,7 +10,7 @@
 #include <thread>
 #include <unistd.h>
 
-#include "tests/support/board.h"
+#include "tests/inner/profile_handle.h"
 
 namespace
 {
@@ -121,6 +121,27 @@ TEST(File, ReplaceWritesAPipeInPlace)
     EXPECT_EQ(got, bytes);
     EXPECT_TRUE(S_ISFIFO(Mode(path)));
     EXPECT_EQ(Names(directory), "pipe ");
+}
+
+// Nothing tells how long what comes through it is, so it is read into a block that grows.
+TEST(File, APipeIsReadToItsEndOrNotAtAll)
+{
+    const std::string text = "[s]\n" + Items(3000);
+    bool isRefused = true;
+    for (int nth = 1; isRefused; ++nth) {
+        int ends[2];
+        ASSERT_EQ(pipe(ends), 0);
+        EXPECT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+        close(ends[1]);
+        const Handle file;
+        const FailAllocations fail(nth);
+        const std::string path = "/dev/fd/" + std::to_string(ends[0]);
+        const int32_t status = IniReadFromFile(file.profile, path.c_str());
+        close(ends[0]);
+        isRefused = fail.Fired();
+        EXPECT_EQ(status, isRefused ? -1 : 0);
+        EXPECT_EQ(IniNumberOfItems(file.profile, "s"), isRefused ? 0 : 3000);
+    }
 }
 
 TEST(File, AbsolutePathsAreAsLongAsTheyHaveToBe)

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <thread>
 
 #include <windows.h>
 
@@ -146,4 +147,22 @@ TEST(FileOnWindows, ASaveRemovesWhatADeadOneLeft)
     CloseHandle(held);
     EXPECT_EQ(Replace(directory.Path("file"), "newer"), FileDone);
     EXPECT_EQ(Names(directory), foreign + " file ");
+}
+
+TEST(FileOnWindows, APipeIsReadToItsEnd)
+{
+    const std::string path = R"(\\.\pipe\velk-)" + std::to_string(GetCurrentProcessId());
+    HANDLE pipe = CreateNamedPipeA(path.c_str(), PIPE_ACCESS_OUTBOUND, PIPE_TYPE_BYTE, 1, 64, 0, 0, nullptr);
+    std::jthread writer([pipe] {
+        DWORD written;
+        ConnectNamedPipe(pipe, nullptr);
+        WriteFile(pipe, "text", 4, &written, nullptr);
+        CloseHandle(pipe);
+    });
+    File file;
+    char bytes[8];
+    EXPECT_EQ(File_OpenToRead(path.c_str(), &file), FileDone);
+    EXPECT_EQ(File_ReadNext(file, bytes, sizeof bytes), 4);
+    EXPECT_EQ(File_ReadNext(file, bytes, sizeof bytes), 0);
+    File_Close(file);
 }

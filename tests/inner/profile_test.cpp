@@ -1,7 +1,7 @@
 // The syntax of profile files and the store behind it, which clients see only through definition files.
 #include "tests/inner/profile_handle.h"
 
-#include <filesystem>
+#include <functional>
 #include <optional>
 
 using namespace std::string_literals;
@@ -237,4 +237,35 @@ TEST(Profile, HoldsManyOfEachKind)
     EXPECT_EQ(file.Get("SECTION 77777", "item") + file.Get("s", "Filler999999"), "");
     EXPECT_EQ(file.Get("c", "XxxxxxxxxxxxxxxxX"), "65537");
     EXPECT_EQ(file.Get("r", "SAME"), "0");
+}
+
+TEST(Profile, IsEmptyOrAsItWasWhicheverAllocationFails)
+{
+    const int64_t live = LiveAllocations();
+    const Directory directory;
+    directory.Write("file", "[s]\n" + Items(50) + "[t]\nx=" + std::string(9000, 'y') + "\n[s]\nz=1");
+    const std::string path = directory.Path("file"), value(20000, 'v'); // it fits no block that is there
+    const std::pair<bool, std::function<int32_t(const Handle &)>> calls[] = {
+        {true, [&](const Handle &file) { return IniReadFromFile(file.profile, path.c_str()); }},
+        {false, [&](const Handle &file) { return IniWriteToFile(file.profile, path.c_str()); }},
+        {false, [&](const Handle &file) { return file.Put("a", "1", value); }},
+        {false, [&](const Handle &file) { return file.Put("c", "1", value); }}};
+    for (const auto &[empties, call] : calls)
+        for (int nth = 1, putsAhead = 0; putsAhead < 100; ++nth) {
+            SCOPED_TRACE(testing::Message() << "allocation " << nth << " behind " << putsAhead);
+            const Handle file;
+            for (int n = 0; n < putsAhead; ++n)
+                file.Put(n % 3 == 0 ? "a" : "b", std::to_string(n), "1");
+            const std::string before = file.Text();
+            std::optional<FailAllocations> fail(std::in_place, nth);
+            const int32_t status = call(file);
+            const bool isRefused = fail->Fired();
+            fail.reset();
+            EXPECT_EQ(status, isRefused ? -1 : 0);
+            EXPECT_TRUE(!isRefused || file.Text() == (empties ? "" : before)) << file.Text();
+            EXPECT_EQ(call(file), 0);
+            putsAhead += isRefused ? 0 : 1;
+            nth = isRefused ? nth : 0;
+        }
+    EXPECT_EQ(LiveAllocations(), live);
 }

@@ -39,44 +39,7 @@ std::string Module_FileOf(const void *address)
     return dladdr(address, &module) != 0 ? module.dli_fname : "";
 }
 
-HeldModule::HeldModule(const std::string &module) : handle(dlopen((module + moduleSuffix).c_str(), RTLD_NOW))
-{
-}
-
-HeldModule::~HeldModule()
-{
-    dlclose(handle);
-}
-
-void *HeldModule::Find(const char *entry) const
-{
-    return dlsym(handle, entry);
-}
-
-struct TextPipe::Ends {
-    int reading, writing;
-};
-
-TextPipe::TextPipe(const std::string &text) : ends(new Ends)
-{
-    EXPECT_EQ(pipe(&ends->reading), 0);
-    EXPECT_EQ(write(ends->writing, text.data(), text.size()), static_cast<ssize_t>(text.size()));
-    close(ends->writing);
-    path = "/dev/fd/" + std::to_string(ends->reading);
-}
-
-TextPipe::~TextPipe()
-{
-    close(ends->reading);
-}
-
 void File_Extend(const std::string &path, int64_t size)
 {
     EXPECT_EQ(truncate(path.c_str(), size), 0);
-}
-
-std::string Directory_Link(const std::string &directory)
-{
-    std::filesystem::create_symlink("file", directory + "/link");
-    return "link";
 }
