@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iostream>
+#include <set>
 #include <sstream>
 
 #include <gtest/gtest-spi.h>
@@ -89,11 +90,6 @@ StatusCode GrowTable(Bed &bed)
     return FromNull(grown);
 }
 
-void ClearFlags(Bed &bed)
-{
-    bed.entries[0].flags = bed.entries[1].flags = 0;
-}
-
 StatusCode OpenClass(Bed &bed)
 {
     return bed.Open("C");
@@ -146,18 +142,18 @@ StatusCode CallTheOthers(Bed &bed)
 }
 
 const Operation operations[] = {
-    {"List_New", "-1", "", [](Bed &bed) { return FromNull(bed.list = List_New(3)); }},
-    {"List_CopyNew", "-1", "",
+    {"List_New", "-1", [](Bed &bed) { return FromNull(bed.list = List_New(3)); }},
+    {"List_CopyNew", "-1",
      [](Bed &bed) {
          return FromNull(bed.list =
                              List_CopyNew(reinterpret_cast<List *>(TableOf(bed.config)->regs[3].value)));
      }},
-    {"List_Append", "-1", "", [](Bed &bed) { return List_Append(bed.list, 6); }, MakeObjects},
-    {"String_CopyNew", "-1", "", MakeText},
-    {"String_Append", "-1", "", AppendText, MakeObjects},
-    {"AllocateVRegTable", "-1", "", [](Bed &bed) { return FromNull(bed.table = AllocateVRegTable(3)); }},
-    {"GrowVRegTable", "-1", "", GrowTable, MakeObjects},
-    {"CopyVRegTable", "0", "", [](Bed &bed) { return CopyVRegTable(TableOf(bed.config), bed.table), 0; },
+    {"List_Append", "-1", [](Bed &bed) { return List_Append(bed.list, 6); }, MakeObjects},
+    {"String_CopyNew", "-1", MakeText},
+    {"String_Append", "-1", AppendText, MakeObjects},
+    {"AllocateVRegTable", "-1", [](Bed &bed) { return FromNull(bed.table = AllocateVRegTable(3)); }},
+    {"GrowVRegTable", "-1", GrowTable, MakeObjects},
+    {"CopyVRegTable", "0", [](Bed &bed) { return CopyVRegTable(TableOf(bed.config), bed.table), 0; },
      MakeObjects},
     {"CfgClass_GetAccessorData VelkTranslateValue VelkIsConfigLoaded VelkIsConfigModified VelkGetBits "
      "VelkSetBits "
@@ -165,73 +161,66 @@ const Operation operations[] = {
      "VelkRefFromOptionName VelkQueryOptionValidValues VelkDataFromValidValueRef VelkDataFromValueListRef "
      "List_AreEqual String_AreEqual LookupVReg VelkDiscardConfig String_Delete List_Delete FreeVRegTable "
      "VelkStrError",
-     "", "", CallTheOthers, MakeObjects},
-    {"VelkInitializeConfigEngine", "-201 -202", "",
+     "", CallTheOthers, MakeObjects},
+    {"VelkInitializeConfigEngine", "-201 -202",
      [](Bed &bed) { return VelkInitializeConfigEngine(bed.directory.path.c_str(), &bed.engine); },
      [](Bed &bed) { bed.Discard(), bed.Clear(); }},
-    {"VelkCloseConfigEngine", "", "",
+    {"VelkCloseConfigEngine", "",
      [](Bed &bed) { return VelkCloseConfigEngine(std::exchange(bed.engine, nullptr)); }, LoadImage},
     // Configuration and class, module, the accessor's settings, keys, options: of each its table and files.
-    {"VelkCreateConfig", "-1", "", OpenClass, [](Bed &bed) { bed.Discard(); }},
-    {"VelkCreateConfig", "-1 -201 -204 -201 -205 -201 -206", "-109", OpenClass,
+    {"VelkCreateConfig", "-1", OpenClass, [](Bed &bed) { bed.Discard(); }},
+    {"VelkCreateConfig", "-1 -201 -204 -201 -205 -201 -206", OpenClass,
      [](Bed &bed) { StartAnew(bed, bed.directory.Read("CfgClass.ini")); }},
-    {"VelkCreateConfig", "-1 -201 -204 -1 -201 -205 -201 -206", "", OpenClass, StartImage},
-    {"VelkCreateConfig", "-1 -201 -204 -1 -204 -1 -201 -205 -201 -206", "", OpenClass, StartFaulty},
-    {"VelkDuplicateConfig", "-1 0", "", [](Bed &bed) { return VelkDuplicateConfig(bed.config, bed.copy); }},
-    {"VelkLoadCurrentConfig", "-1!", "-109 -109! 0", LoadBoard, LeaveAsItIs,
-     [](Bed &bed) {
-         bed.answers.read = -1;
-         EXPECT_EQ(bed.Load(), -1);
-     }},
-    {"VelkLoadCurrentConfig", "-1 -1!", "", LoadBoard, LoadImage,
-     [](Bed &bed) { EXPECT_EQ(bed.Open("C"), 0); }},
-    {"VelkLoadCurrentConfig", "-1", "", LoadBoard, OpenFaulty},
-    {"VelkSaveCurrentConfig", "", "-109 0", [](Bed &bed) { return bed.Save(); }},
-    {"VelkSaveCurrentConfig", "-1", "", [](Bed &bed) { return bed.Save(); },
+    {"VelkCreateConfig", "-1 -201 -204 -1 -201 -205 -201 -206", OpenClass, StartImage},
+    {"VelkCreateConfig", "-1 -201 -204 -1 -204 -1 -201 -205 -201 -206", OpenClass, StartFaulty},
+    {"VelkDuplicateConfig", "-1 0", [](Bed &bed) { return VelkDuplicateConfig(bed.config, bed.copy); }},
+    {"VelkLoadCurrentConfig", "-1", LoadBoard, LeaveAsItIs, true},
+    {"VelkLoadCurrentConfig", "-1", LoadBoard, LoadImage, true},
+    {"VelkLoadCurrentConfig", "-1", LoadBoard, OpenFaulty},
+    {"VelkSaveCurrentConfig", "-1", [](Bed &bed) { return bed.Save(); },
      [](Bed &bed) {
          LoadImage(bed);
          EXPECT_EQ(bed.Run("#T='CD"), "0");
      }},
-    {"VelkLoadFromFile", "-1 -4 -1", "-109", [](Bed &bed) { return bed.LoadFile(); }},
-    {"VelkLoadFromFile", "-1 2 -4 -1", "-4 -109", [](Bed &bed) { return bed.LoadFile(); },
+    {"VelkLoadFromFile", "-1 -4 -1", [](Bed &bed) { return bed.LoadFile(); }},
+    {"VelkLoadFromFile", "-1 2 -4 -1", [](Bed &bed) { return bed.LoadFile(); },
      [](Bed &bed) {
          bed.directory.Write("file", "[Older]\n");
          bed.answers.loadFromFile = 0;
      }},
-    {"VelkLoadFromFile", "-1 -4 -1", "", [](Bed &bed) { return bed.LoadFile(); }, OpenFaulty},
-    {"VelkSaveToFile", "-1 -6", "", [](Bed &bed) { return bed.SaveFile(); }},
-    {"VelkSetKey", "-1", "", [](Bed &bed) { return VelkSetKey(bed.config, "T", Word("new")); }},
-    {"VelkSetKey", "-1", "", [](Bed &bed) { return VelkSetKey(bed.config, "L", Word(bed.list)); },
-     MakeObjects},
-    {"VelkSetOption", "-1", "", [](Bed &bed) { return VelkSetOption(bed.config, "A", 1); }},
-    {"VelkSetOptionEx", "-1", "",
+    {"VelkLoadFromFile", "-1 -4 -1", [](Bed &bed) { return bed.LoadFile(); }, OpenFaulty},
+    {"VelkSaveToFile", "-1 -6", [](Bed &bed) { return bed.SaveFile(); }},
+    {"VelkSetKey", "-1", [](Bed &bed) { return VelkSetKey(bed.config, "T", Word("new")); }},
+    {"VelkSetKey", "-1", [](Bed &bed) { return VelkSetKey(bed.config, "L", Word(bed.list)); }, MakeObjects},
+    {"VelkSetOption", "-1", [](Bed &bed) { return VelkSetOption(bed.config, "A", 1); }},
+    {"VelkSetOptionEx", "-1",
      [](Bed &bed) { return VelkSetOptionEx(bed.config, "U", ValueKindString, Word("new")); }},
-    {"VelkSetOptionEx", "-1", "",
+    {"VelkSetOptionEx", "-1",
      [](Bed &bed) { return VelkSetOptionEx(bed.config, "L", ValueKindList, Word(bed.list)); }, MakeObjects},
-    {"VelkSetOptionWithChangeList", "-1 -1!", "",
+    {"VelkSetOptionWithChangeList", "-1",
      [](Bed &bed) { return VelkSetOptionWithChangeList(bed.config, "A", 1, bed.entries, 2); }, LeaveAsItIs,
-     ClearFlags},
-    {"VelkSetOptionExWithChangeList", "-1 -1!", "",
+     true},
+    {"VelkSetOptionExWithChangeList", "-1",
      [](Bed &bed) {
          return VelkSetOptionExWithChangeList(bed.config, "U", ValueKindString, Word("new"), bed.entries, 2);
      },
-     LeaveAsItIs, ClearFlags},
+     LeaveAsItIs, true},
 };
 
 // What the driver has to complain about, in these words.
 const std::pair<const char *, Operation> canaries[] = {
-    {"seen == trial->good", {"swallows a failure", "-1", "", [](Bed &bed) { return MakeText(bed), 0; }}},
+    {"seen == trial->good", {"swallows a failure", "-1", [](Bed &bed) { return MakeText(bed), 0; }}},
     {"1 blocks",
-     {"keeps a block", "-1", "",
+     {"keeps a block", "-1",
       [](Bed &bed) {
           return bed.lost == nullptr ? FromNull(bed.lost = String_CopyNew("")), MakeText(bed) : 0;
       }}},
-    {"trial->spoilt",
-     {"leaves half of it", "-1", "", [](Bed &bed) { return bed.entries[0].flags = 0, MakeText(bed); }}},
-    {"operation.memory", {"tells another reason", "-99", "", MakeText}},
-    {"operation.accessor", {"enters an accessor", "", "", [](Bed &bed) { return bed.Save(); }}},
+    {"seen == before",
+     {"leaves half of it", "-1", [](Bed &bed) { return bed.entries[0].flags = 0, MakeText(bed); }}},
+    {"trial->allowed", {"tells another reason", "-99", MakeText}},
+    {"operation.outcomes", {"allocates all the same", "", MakeText}},
     {"when called again",
-     {"stays broken", "-1", "",
+     {"stays broken", "-1",
       [](Bed &bed) { return std::exchange(bed.answers.close, -1) == 0 ? MakeText(bed) : -1; }}},
 };
 
@@ -293,12 +282,13 @@ TEST(OutOfMemory, LeavesWhatWasBehindEveryExport)
 
     int64_t faults = 0;
     for (const Operation &operation : operations) {
-        named.merge(Words(operation.names));
+        for (const std::string &name : Split(operation.names, ' '))
+            named.insert(name);
         faults += HasFailure() ? 0 : Operation_Try(operation);
     }
     EXPECT_EQ(named, exported);
     std::cout << "measured: out of memory at " << faults << " points\n";
-    EXPECT_GE(faults, 1078);
+    EXPECT_GE(faults, 916);
 }
 
 TEST(OutOfMemory, CanariesAreReported)

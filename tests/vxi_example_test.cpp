@@ -25,24 +25,21 @@ struct Sample : Desk {
 
 TEST(VxiExample, ReadsAsWorkedOutByHand)
 {
-    // Address; keys of the ID and type, the status and the memory registers; options.
-    static const std::tuple<uint32_t, const char *, const char *, const char *, const char *> devices[] = {
-        {0, "3 3 a1 a0 a0", "0 0 1 1 1 0 0", "0 0 0 0", "0 SLOT 0 "},
-        {8, "3 0 a1 123 b123", "1 0 10 1 1 0 0", "b 1000 10000 2000", "2000 DIGITIZER 0,3"},
-        {24, "3 1 a2 345 b345", "1 0 4 1 1 0 0", "b 100000 400000 2000",
-         "2000 WAVEFORM STORE 1 0,1,2,3,4,5,6,7"},
-        {96, "3 3 a2 260 2260", "0 1 40 1 1 0 0", "2 0 0 abcd", "0 SWITCH 5"},
-        {192, "3 0 a3 456 f456", "0 0 1 0 0 1 1", "f 100 100 0", "0 COUNTER "},
+    const std::string names =
+        "#DeviceClass #AddressSpace #Manufacturer #ModelCode #ModelCodeA16 #MemoryActive "
+        "#ModuleSelected #Averages #Ready #Passed #SysfailInhibit #Reset #MemoryCode "
+        "#RequiredMemory #TotalMemory #MemoryOffset MemoryOffset Label TriggerLines";
+    static const std::pair<uint32_t, const char *> devices[] = {
+        {0, "3 3 a1 a0 a0 0 0 1 1 1 0 0 0 0 0 0 0 SLOT 0 "},
+        {8, "3 0 a1 123 b123 1 0 10 1 1 0 0 b 1000 10000 2000 2000 DIGITIZER 0,3"},
+        {24, "3 1 a2 345 b345 1 0 4 1 1 0 0 b 100000 400000 2000 2000 WAVEFORM STORE 1 0,1,2,3,4,5,6,7"},
+        {96, "3 3 a2 260 2260 0 1 40 1 1 0 0 2 0 0 abcd 0 SWITCH 5"},
+        {192, "3 0 a3 456 f456 0 0 1 0 0 1 1 f 100 100 0 0 COUNTER "},
     };
     const Sample vxi;
-    for (const auto &[address, id, status, memory, options] : devices) {
-        SCOPED_TRACE(address);
+    for (const auto &[address, values] : devices) {
         ASSERT_EQ(vxi.Load(address), 0);
-        EXPECT_EQ(vxi.Run("#DeviceClass #AddressSpace #Manufacturer #ModelCode #ModelCodeA16"), id);
-        EXPECT_EQ(vxi.Run("#MemoryActive #ModuleSelected #Averages #Ready #Passed #SysfailInhibit #Reset"),
-                  status);
-        EXPECT_EQ(vxi.Run("#MemoryCode #RequiredMemory #TotalMemory #MemoryOffset"), memory);
-        EXPECT_EQ(vxi.Run("MemoryOffset Label TriggerLines"), options);
+        EXPECT_EQ(vxi.Run(names), values);
     }
 }
 
@@ -78,17 +75,11 @@ TEST(VxiExample, SetsMoveTheBitsThatTheStandardNames)
     }
 }
 
-TEST(VxiExample, ListsAndTextsReachTheirDeviceAndNoOther)
+TEST(VxiExample, AFailedDeviceDrivesNoTriggerLine)
 {
     const Sample vxi;
-    for (const uint32_t address : {8U, 192U}) {
+    for (const auto &[address, lines] : {std::pair{8U, "0 4"}, {192U, "0 "}}) {
         ASSERT_EQ(vxi.Load(address), 0);
-        EXPECT_EQ(vxi.Run("Label='SCOPE TriggerLines=(4"), "0 0");
-        ASSERT_EQ(vxi.Save(address), 0);
+        EXPECT_EQ(vxi.Run("TriggerLines=(4 TriggerLines"), lines);
     }
-    std::string expected = ReadFile((sample / "mainframe.img").string());
-    for (const size_t address : {8U, 192U})
-        expected.replace(address * 64 + 0x10, 16, {"SCOPE\0\0\0\0\0\0\0\0\0\0\0", 16});
-    expected.replace(8 * 64 + 0x20, 3, {"\1\4\0", 3});
-    EXPECT_EQ(vxi.directory.Read("mainframe.img"), expected) << "a failed device drives no trigger line";
 }

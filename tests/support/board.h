@@ -54,11 +54,8 @@ struct Script {
     const char *oldFile;   // what Cfg_LoadFromFile leaves
     const char *internal;  // what Cfg_SetInternalVRegs adds, growing the table
     std::string calls;     // in order, a blank behind each
-    int entered;           // number of calls
-    int failing;           // the one of them that fails in the end, whatever its answer would be; 0: none
     ConfigClass *configClass;
 };
-constexpr StatusCode scriptedFailure = -109;
 extern Script *script; // in force: that of the latest desk
 
 // Appends registers to the table in a place, or makes one. False without memory, with those that there was

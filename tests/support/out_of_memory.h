@@ -1,13 +1,11 @@
 // The out-of-memory driver: it carries out an operation as it should be, and then under every fault that
 // this shows to be possible, each time on a fresh bed. A fault is one failing allocation, two, or one with
-// all behind it; each alone and along with each failing call of the scripted accessor.
+// all behind it.
 //
 // Behind a failure the bed has to tell what it told before, as many blocks are in use as before, and the same
 // call then succeeds and has the result that it has without a fault.
 #ifndef VELK_TESTS_SUPPORT_OUT_OF_MEMORY_H
 #define VELK_TESTS_SUPPORT_OUT_OF_MEMORY_H
-
-#include <set>
 
 #include "tests/support/board.h"
 
@@ -31,21 +29,18 @@ inline void LeaveAsItIs(Bed & /*bed*/)
 {
 }
 
-// `memory` and `accessor` hold the outcomes, statuses, of each failing allocation and accessor call in turn,
-// repeated ones once; they are empty where none is made. Other faults have one of these outcomes. A "!"
-// tells that the failure spoils the bed, as it may. With a 0 in `memory` strings and lists may be missing
-// from the result.
+// `outcomes` are the statuses of each failing allocation in turn, repeated ones once; it is empty where none
+// is made. Other faults have one of these. With a 0 among them strings and lists may be missing from the
+// result.
 struct Operation {
     const char *names; // of the functions that it stands for
-    const char *memory, *accessor;
+    const char *outcomes;
     StatusCode (*call)(Bed &);
     void (*prepare)(Bed &) = LeaveAsItIs;
-    void (*spoil)(Bed &) = LeaveAsItIs;
+    bool mayChange = false; // where it fails; what it leaves then is in other tests
 };
 
 // Gives how many faults it has tried.
 int64_t Operation_Try(const Operation &operation);
-
-std::set<std::string> Words(const std::string &text);
 
 #endif
