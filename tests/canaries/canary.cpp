@@ -2,56 +2,29 @@
 // either.
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <string>
 #include <thread>
 
-namespace
-{
-
 // Kept from the optimiser, which would see through each of these.
-int *volatile block;
-volatile int largest = 2147483647;
-int shared;
-
-void Leak()
-{
-    block = static_cast<int *>(std::malloc(64));
-    block = nullptr;
-}
-
-void Overrun()
-{
-    block = static_cast<int *>(std::malloc(64));
-    block[16] = 1;
-    std::free(block);
-}
-
-void Overflow()
-{
-    largest = largest + 1;
-}
-
-void Race()
-{
-    std::thread other([] { ++shared; });
-    ++shared;
-    other.join();
-}
-
-constexpr struct {
-    const char *name;
-    void (*commit)();
-} faults[] = {{"leak", Leak}, {"overrun", Overrun}, {"overflow", Overflow}, {"race", Race}};
-
-} // namespace
+static int *volatile block;
+static volatile int largest = 2147483647;
+static int shared;
 
 int main(int argc, char **argv)
 {
-    for (const auto &fault : faults)
-        if (argc == 2 && std::strcmp(argv[1], fault.name) == 0) {
-            fault.commit();
-            std::puts("no report so far");
-            return 0;
-        }
-    return 2;
+    const std::string fault = argc == 2 ? argv[1] : "";
+    block = static_cast<int *>(std::malloc(64));
+    if (fault == "overrun")
+        block[16] = 1;
+    std::free(fault == "leak" ? nullptr : block);
+    block = nullptr;
+    if (fault == "overflow")
+        largest = largest + 1;
+    if (fault == "race") {
+        std::thread other([] { ++shared; });
+        ++shared;
+        other.join();
+    }
+    std::puts("no report so far");
+    return 0;
 }

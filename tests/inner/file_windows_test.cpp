@@ -79,11 +79,6 @@ TEST(FileOnWindows, EveryFormOfAPathLeadsToTheFile)
         free(path);
     }
     std::filesystem::current_path(working);
-    Desk desk;
-    EXPECT_EQ(desk.Start("[C]\r\nKeys = none\r\n"), 0);
-    ConfigEngine *engine = nullptr;
-    EXPECT_EQ(VelkInitializeConfigEngine(With(desk.directory.path, '/').c_str(), &engine), 0);
-    VelkCloseConfigEngine(engine);
 }
 
 TEST(FileOnWindows, PathsMayBeLongerThan260Characters)

@@ -13,9 +13,6 @@ extern const char moduleSuffix[];
 
 std::string System_MakeDirectory();
 
-// Memory of this process that is in use.
-int64_t System_ResidentBytes();
-
 // Whether the program runs with a sanitizer: "asan" or "tsan".
 bool System_HasSanitizer(const std::string &name);
 

@@ -15,13 +15,6 @@ std::string System_MakeDirectory()
     return mkdtemp((testing::TempDir() + "velk-XXXXXX").data());
 }
 
-int64_t System_ResidentBytes()
-{
-    int64_t size = 0, resident = 0;
-    std::ifstream("/proc/self/statm") >> size >> resident;
-    return resident * sysconf(_SC_PAGESIZE);
-}
-
 bool System_HasSanitizer(const std::string &name)
 {
     return dlsym(RTLD_DEFAULT, ("__" + name + "_init").c_str()) != nullptr;

@@ -6,8 +6,6 @@
 
 #include <windows.h>
 
-#include <psapi.h>
-
 const char nullDevice[] = "NUL";
 const char moduleSuffix[] = ".DLL";
 
@@ -21,13 +19,6 @@ std::string System_MakeDirectory()
                std::to_string(++number);
     while (!std::filesystem::create_directory(path));
     return path;
-}
-
-int64_t System_ResidentBytes()
-{
-    PROCESS_MEMORY_COUNTERS counters = {};
-    GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
-    return static_cast<int64_t>(counters.WorkingSetSize);
 }
 
 bool System_HasSanitizer(const std::string & /*name*/)
