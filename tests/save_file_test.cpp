@@ -74,7 +74,8 @@ TEST(SaveFiles, AreCheckedWhenRead)
             board.directory.Write("file", file);
             EXPECT_EQ(board.LoadFile(), status);
             EXPECT_EQ(board.Run("."), "10=1 b000001=old");
-            EXPECT_EQ(board.answers.calls, status == -4 ? "LoadFromFile(file) " : "");
+            EXPECT_EQ(board.answers.calls,
+                      status == -4 ? "LoadFromFile(" + board.directory.Path("file") + ") " : "");
         }
     EXPECT_EQ(Board("", "", nullptr).LoadFile(), -4); // no file
 }

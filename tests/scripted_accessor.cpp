@@ -1,6 +1,14 @@
-// The accessor of the tests: a way from the library to the test program.
-#include "tests/support/script.h"
+// The accessor of the tests: it does what the script of the test program says, and tells it what it is asked.
+// It brings no C++ library along, for that takes a place of the process on Windows at each of the many times
+// that it is loaded.
+#include <cstdio>
+
+#include "tests/support/board.h"
 #include "velk32_accessor.h"
+
+// What the catalogue calls this copy. No text here may be an entry point's name: a copy may lack each of
+// them.
+static char ownName[512];
 
 VELK_ACCESSOR_ENTRY int32_t VELK_CALL Cfg_GetVersion(void)
 {
@@ -10,42 +18,58 @@ VELK_ACCESSOR_ENTRY int32_t VELK_CALL Cfg_GetVersion(void)
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_InitializeAccessor(ConfigClass *configClass,
                                                                 const char *directory)
 {
-    return Script_InitializeAccessor(configClass, directory);
+    script->configClass = configClass;
+    const char *value = "?";
+    CfgClass_GetAccessorData(configClass, "Accessor", &value);
+    snprintf(ownName, sizeof ownName, "%s", value);
+    value = "?";
+    const StatusCode status = CfgClass_GetAccessorData(configClass, "Private", &value);
+    Script_Note("Initialize(%s,%d,%s) ", directory, status, value);
+    return script->initialize;
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_CloseAccessor(void)
 {
-    static const char here = 0; // not an entry point: a copy may lack each of them
-    return Script_CloseAccessor(&here);
+    Script_Note("Close(%s) ", ownName);
+    return script->close;
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_CreateSession(uint32_t first, uint32_t second, VelkWord *session)
 {
-    return Script_CreateSession(first, second, session);
+    Script_Note("CreateSession(%u,%u) ", first, second);
+    *session = 77;
+    return script->createSession;
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_CloseSession(VelkWord session)
 {
-    return Script_CloseSession(session);
+    Script_Note("CloseSession(%u) ", static_cast<uint32_t>(session));
+    return -99;
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_Read(VelkWord session, Config *config)
 {
-    return Script_Read(session, config);
+    VRegTable **place = &TableOf(config);
+    Script_Note("Read(%u%s) ", static_cast<uint32_t>(session), *place == nullptr ? "" : ",table");
+    return Script_Fill(script->registers, place) ? script->read : StatusOutOfMemory;
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_Write(VelkWord session, VRegTable *table)
 {
-    return Script_Write(session, table);
+    Script_Note("Write(%u: ", static_cast<uint32_t>(session));
+    Script_NoteTable(table);
+    return script->write;
 }
 
-VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_LoadFromFile(ConfigClass *configClass, const char *file,
+VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_LoadFromFile(ConfigClass * /*configClass*/, const char *file,
                                                           VRegTable **table)
 {
-    return Script_LoadFromFile(configClass, file, table);
+    Script_Note("LoadFromFile(%s%s) ", file, *table == nullptr ? "" : ",table");
+    return Script_Fill(script->oldFile, table) ? script->loadFromFile : StatusOutOfMemory;
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_SetInternalVRegs(void *unused, VRegTable **table)
 {
-    return Script_SetInternalVRegs(unused, table);
+    Script_Note(unused == nullptr ? "SetInternal " : "SetInternal(something) ");
+    return Script_Fill(script->internal, table) ? script->setInternal : StatusOutOfMemory;
 }

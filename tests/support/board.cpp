@@ -1,5 +1,6 @@
 #include "tests/support/board.h"
 
+#include <cstdarg>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -180,6 +181,26 @@ std::string Edited(std::string text, const std::string &what, const std::string 
     const size_t at = text.find(what);
     EXPECT_NE(at, std::string::npos) << what;
     return at == std::string::npos ? text : text.replace(at, what.size(), by);
+}
+
+void Script_Note(const char *format, ...)
+{
+    char text[1024];
+    va_list arguments;
+    va_start(arguments, format);
+    vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    script->calls += text;
+}
+
+void Script_NoteTable(const VRegTable *table)
+{
+    script->calls += Table_Text(table) + ") ";
+}
+
+bool Script_Fill(const char *registers, VRegTable **place)
+{
+    return registers == nullptr || Table_Append(registers, place);
 }
 
 Desk::~Desk()

@@ -58,6 +58,12 @@ struct Script {
 };
 extern Script *script; // in force: that of the latest desk
 
+// What the scripted accessor does with it, beyond answering. Fills a place as Table_Append does, but leaves
+// it alone for null.
+[[gnu::format(printf, 1, 2)]] void Script_Note(const char *format, ...);
+void Script_NoteTable(const VRegTable *table);
+bool Script_Fill(const char *registers, VRegTable **place);
+
 // Appends registers to the table in a place, or makes one. False without memory, with those that there was
 // memory for.
 bool Table_Append(const std::string &text, VRegTable **place);

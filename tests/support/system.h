@@ -18,9 +18,6 @@ bool System_HasSanitizer(const std::string &name);
 
 bool Module_IsLoaded(const std::string &module);
 
-// The file of the module that something lies in.
-std::string Module_FileOf(const void *address);
-
 // Makes a file larger, by zeros that take no room.
 void File_Extend(const std::string &path, int64_t size);
 

@@ -26,12 +26,6 @@ bool Module_IsLoaded(const std::string &module)
     return loaded != nullptr && dlclose(loaded) == 0;
 }
 
-std::string Module_FileOf(const void *address)
-{
-    Dl_info module;
-    return dladdr(address, &module) != 0 ? module.dli_fname : "";
-}
-
 void File_Extend(const std::string &path, int64_t size)
 {
     EXPECT_EQ(truncate(path.c_str(), size), 0);

@@ -31,16 +31,6 @@ bool Module_IsLoaded(const std::string &module)
     return GetModuleHandleA((module + moduleSuffix).c_str()) != nullptr;
 }
 
-std::string Module_FileOf(const void *address)
-{
-    HMODULE module = nullptr;
-    char path[MAX_PATH] = "";
-    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       static_cast<const char *>(address), &module);
-    GetModuleFileNameA(module, path, sizeof path);
-    return path;
-}
-
 void File_Extend(const std::string &path, int64_t size)
 {
     HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
