@@ -1,9 +1,7 @@
 // The accessor of the tests: it does what the script of the test program says, and tells it what it is asked.
-// It brings no C++ library along, for that takes a place of the process on Windows at each of the many times
-// that it is loaded.
 #include <cstdio>
 
-#include "tests/support/board.h"
+#include "tests/support/script.h"
 #include "velk32_accessor.h"
 
 // What the catalogue calls this copy. No text here may be an entry point's name: a copy may lack each of

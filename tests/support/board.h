@@ -16,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/allocations.h"
+#include "tests/support/script.h"
 #include "tests/support/system.h"
 #include "velk32.h"
 
@@ -47,34 +48,11 @@ struct Directory {
 // Every name in a directory, sorted, a blank behind each.
 std::string Names(const Directory &directory);
 
-// The answers of the scripted accessor, and what it was asked.
-struct Script {
-    StatusCode initialize, close, createSession, read, write, loadFromFile, setInternal;
-    const char *registers; // what Cfg_Read leaves in its place; null: nothing
-    const char *oldFile;   // what Cfg_LoadFromFile leaves
-    const char *internal;  // what Cfg_SetInternalVRegs adds, growing the table
-    std::string calls;     // in order, a blank behind each
-    ConfigClass *configClass;
-};
-extern Script *script; // in force: that of the latest desk
-
-// What the scripted accessor does with it, beyond answering. Fills a place as Table_Append does, but leaves
-// it alone for null.
-[[gnu::format(printf, 1, 2)]] void Script_Note(const char *format, ...);
-void Script_NoteTable(const VRegTable *table);
-bool Script_Fill(const char *registers, VRegTable **place);
-
 // Appends registers to the table in a place, or makes one. False without memory, with those that there was
 // memory for.
 bool Table_Append(const std::string &text, VRegTable **place);
 VRegTable *Table_FromText(const std::string &text);
 std::string Table_Text(const VRegTable *table);
-
-// The place of the table, with which a configuration begins.
-inline VRegTable *&TableOf(Config *config)
-{
-    return *reinterpret_cast<VRegTable **>(config);
-}
 
 // `text` with `what`, which has to be there, replaced.
 std::string Edited(std::string text, const std::string &what, const std::string &by);
