@@ -12,6 +12,7 @@ namespace
 {
 
 const std::string scripted = VELK_TEST_MODULE_DIR "/scripted_accessor";
+const std::string image = VELK_TEST_MODULE_DIR "/velkimage\nImage=file\nStride=1\nRegisters=1\n1=0 u8";
 
 // What goes wrong: its code, or what is left of the sample registers.
 const struct Fault {
@@ -21,7 +22,7 @@ const struct Fault {
 } faults[] = {{"fail -107", nullptr, -107, true},
               {"late -107", nullptr, -107, false},
               {"warn 101", nullptr, 101, false},
-              {"short 1", "10=63", 0, false},
+              {"short 3", "10=63 11=2 12=0", 0, false},
               {"kinds", "b000010= b000011= b000012= f000001= 1=0", 0, false},
               {"repeat", "10=63 10=2 10=0 b000001=abc f000001=1,2", 0, false},
               {"null", "10=63 11=2 12=0 b000001=- f000001=-", 0, false},
@@ -194,6 +195,7 @@ TEST(FaultyAccessor, ChecksItsSettings)
          {"Read", "read 1 none", "Read 0 none", "Read 1 gone", "Read 1 fail 1", "Read 1 fail -0",
           "Read 1 fail", "Read 1 warn -1", "Read 1 warn 0x80000000", "Read 1 short", "Read 1 none 1",
           "Read 1 none,", ",Read 1 none", "Read 1 none;", "Write 1 none"}},
+        {-107, image, {"InitializeAccessor 1 late -107"}},
         {-111, "", {""}},
         {-111, "itself", {""}},
         {-204, "nowhere", {""}}};
@@ -205,6 +207,22 @@ TEST(FaultyAccessor, ChecksItsSettings)
             EXPECT_EQ(board.Open("C"), status);
             EXPECT_EQ(Module_IsLoaded(board.accessor), status == 0);
         }
+    FaultyBoard board({});
+    EXPECT_EQ(board.StartWith(image, "InitializeAccessor 2 late -107") + board.Open("C"), 0);
+    EXPECT_EQ(board.Open("D"), -107);
+}
+
+TEST(FaultyAccessor, WrapsAModuleWithoutOptionalEntries)
+{
+    for (const auto &[missing, status] : {std::pair{"Cfg_LoadFromFile", -4}, {"Cfg_SetInternalVRegs", 2}}) {
+        SCOPED_TRACE(missing);
+        FaultyBoard board({});
+        const std::string module = board.directory.Module("lacking", missing);
+        EXPECT_EQ(board.StartWith(module, "SetInternalVRegs 1 late -107") + board.Open("C"), 0);
+        EXPECT_EQ(board.LoadFile(), -107);
+        EXPECT_EQ(board.LoadFile(), 0);
+        EXPECT_EQ(VelkLoadFromFile(board.config, board.directory.Path("options.ini").c_str(), "k"), status);
+    }
 }
 
 TEST(FaultyAccessor, LetsAModuleStayThatRefusesToClose)
@@ -232,7 +250,6 @@ TEST(FaultyAccessor, ServesAnExitHandlerThatClosesItsEngine)
             _Exit(1);
         served->Clear();
     };
-    const std::string image = VELK_TEST_MODULE_DIR "/velkimage\nImage=file\nStride=1\nRegisters=1\n1=0 u8\n";
     const auto open = [&] { return board.StartWith(image, "") + board.Open("C"); };
     EXPECT_EXIT(exit(atexit(close) + open()), testing::ExitedWithCode(0), "");
 }

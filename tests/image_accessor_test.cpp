@@ -87,7 +87,7 @@ TEST(ImageAccessor, WritesTheBytesThatDifferOrNone)
         {"102,fffe", "-", 13, {"\0\0\0\0\0\0\0\0", 8}},
         {",fffe", "", 13, {"\0\1\1\2\0\0\0\0", 8}}, // a shorter list
         {",fffe", ",2,3", 13, {"\0\3\1\2\0\2\0\3", 8}},
-        {"5,6", "5,ff", 22, "\xFF"},
+        {"5,6", "4,ff", 21, "\4\xFF"},
     };
     Rig rig;
     ASSERT_EQ(rig.Open("A") + rig.Load(1), 0);

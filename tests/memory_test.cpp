@@ -50,7 +50,7 @@ TEST(Memory, StaysLevel)
 
 TEST(Memory, BoundsTheNumberListsOfALoad)
 {
-    if (System_HasSanitizer("asan") || System_HasSanitizer("tsan"))
+    if (IsSanitizedFor("address") || IsSanitizedFor("thread"))
         GTEST_SKIP() << "where every growth is a copy";
     for (const bool fits : {true, false}) {
         SCOPED_TRACE(fits);

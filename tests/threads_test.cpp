@@ -191,7 +191,7 @@ TEST(Threads, DoAtOnceWhatTheyDoAlone)
 // not see.
 TEST(Threads, LoadAndUnloadOneModule)
 {
-    if (System_HasSanitizer("tsan"))
+    if (IsSanitizedFor("thread"))
         GTEST_SKIP();
     Desk common;
     ASSERT_EQ(StartSample(common), 0);

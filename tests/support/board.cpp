@@ -3,6 +3,7 @@
 #include <cstdarg>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <set>
 #include <sstream>
 
@@ -98,8 +99,12 @@ std::string ReadFile(const std::string &path)
     return (std::ostringstream() << std::ifstream(path, std::ios::binary).rdbuf()).str();
 }
 
-Directory::Directory() : path(System_MakeDirectory())
+Directory::Directory()
 {
+    std::random_device random; // numbers of processes come again, and with them what a dead one has left
+    do
+        path = testing::TempDir() + "velk-" + std::to_string(random());
+    while (!std::filesystem::create_directory(path));
 }
 
 Directory::~Directory()

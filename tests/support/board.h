@@ -20,6 +20,12 @@
 #include "tests/support/system.h"
 #include "velk32.h"
 
+// Whether the tests are built for the sanitizer of this.
+inline bool IsSanitizedFor(const std::string &what)
+{
+    return std::string(VELK_SANITIZERS).find(what) != std::string::npos;
+}
+
 std::string ReadFile(const std::string &path);
 std::vector<std::string> Split(const std::string &text, char separator);
 
