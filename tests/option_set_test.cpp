@@ -206,4 +206,7 @@ TEST(ChangeLists, SayHowFarTheyCame)
     }
     const Board board(sampleKeys, o, sampleRegisters);
     EXPECT_EQ(VelkSetOptionWithChangeList(board.config, "O", 6, nullptr, -1), 0); // as none
+    ChangeEntry only = Entry("O");
+    EXPECT_EQ(VelkSetOptionWithChangeList(board.config, "O", 7, &only, 1), 0);
+    EXPECT_EQ(only.newValue, 7U);
 }
