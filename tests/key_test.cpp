@@ -104,6 +104,7 @@ TEST(Keys, ComputeTheRequiredMemory)
 
 TEST(Keys, CopyTextsAndLists)
 {
+    Board_Expect(sampleKeys, "", "10=1", "#T='x #L=(1", "-3 -3");
     const Board board(sampleKeys, "", "0B000001=- 0F000001=1,2");
     EXPECT_EQ(board.Run("#L=(1,2 #T='- #L=(- ."), "0 -1 -1 b000001=- f000001=1,2");
     EXPECT_EQ(board.Run("#L=(1,2,3 #T='abc ."), "0 0 b000001*=abc f000001*=1,2,3");
