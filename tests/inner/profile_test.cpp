@@ -13,6 +13,29 @@ namespace
 // As many items as a section has before and behind the point from which it is indexed.
 constexpr int fewAndMany[] = {0, 6, 7, 8, 9, 100};
 
+struct Call {
+    bool empties; // the handle, when it fails; others leave it
+    std::function<int32_t(const Handle &)> make;
+};
+
+// Whether a call behind some puts has an nth allocation, without which it is tried.
+bool Call_IsRefused(const Call &call, int putsAhead, int nth)
+{
+    SCOPED_TRACE(testing::Message() << "allocation " << nth << " behind " << putsAhead);
+    const Handle file;
+    for (int n = 0; n < putsAhead; ++n)
+        file.Put(n % 3 == 0 ? "a" : "b", std::to_string(n), "1");
+    const std::string before = file.Text();
+    std::optional<FailAllocations> fail(std::in_place, nth);
+    const int32_t status = call.make(file);
+    const bool isRefused = fail->Fired();
+    fail.reset();
+    EXPECT_EQ(status, isRefused ? -1 : 0);
+    EXPECT_TRUE(!isRefused || file.Text() == (call.empties ? "" : before)) << file.Text();
+    EXPECT_EQ(call.make(file), 0);
+    return isRefused;
+}
+
 } // namespace
 
 TEST(Profile, ReadsEveryForm)
@@ -238,27 +261,14 @@ TEST(Profile, IsEmptyOrAsItWasWhicheverAllocationFails)
     std::filesystem::create_symlink("file", directory.Path("link"), noLink);
     const std::string path = directory.Path(noLink ? "file" : "link");
     const std::string value(20000, 'v'); // it fits no block that is there
-    const std::pair<bool, std::function<int32_t(const Handle &)>> calls[] = {
+    const Call calls[] = {
         {true, [&](const Handle &file) { return IniReadFromFile(file.profile, path.c_str()); }},
         {false, [&](const Handle &file) { return IniWriteToFile(file.profile, path.c_str()); }},
         {false, [&](const Handle &file) { return file.Put("a", "1", value); }},
         {false, [&](const Handle &file) { return file.Put("c", "1", value); }}};
-    for (const auto &[empties, call] : calls)
-        for (int nth = 1, putsAhead = 0; putsAhead < 100; ++nth) {
-            SCOPED_TRACE(testing::Message() << "allocation " << nth << " behind " << putsAhead);
-            const Handle file;
-            for (int n = 0; n < putsAhead; ++n)
-                file.Put(n % 3 == 0 ? "a" : "b", std::to_string(n), "1");
-            const std::string before = file.Text();
-            std::optional<FailAllocations> fail(std::in_place, nth);
-            const int32_t status = call(file);
-            const bool isRefused = fail->Fired();
-            fail.reset();
-            EXPECT_EQ(status, isRefused ? -1 : 0);
-            EXPECT_TRUE(!isRefused || file.Text() == (empties ? "" : before)) << file.Text();
-            EXPECT_EQ(call(file), 0);
-            putsAhead += isRefused ? 0 : 1;
-            nth = isRefused ? nth : 0;
-        }
+    for (const Call &call : calls)
+        for (int putsAhead = 0, nth = 1; putsAhead < 100 && !HasFailure(); ++putsAhead, nth = 1)
+            while (Call_IsRefused(call, putsAhead, nth))
+                ++nth;
     EXPECT_EQ(LiveAllocations(), live);
 }
