@@ -1,6 +1,5 @@
 // Boards that fail: every transfer of the engine, with every fault at every call, beside a model that says
 // what has to come of it.
-#include <cstring>
 #include <filesystem>
 #include <map>
 
@@ -56,16 +55,13 @@ struct Model {
         isLoaded = status == 0;
         return status;
     }
-    StatusCode Save()
-    {
-        return Call("Write");
-    }
-    StatusCode Transfer(StatusCode (Model::*transfer)())
+    StatusCode Transfer(bool isLoad)
     {
         const StatusCode opened = Call("CreateSession");
-        const StatusCode status = opened < 0 ? opened : (this->*transfer)();
-        if (opened >= 0)
-            Call("CloseSession");
+        if (opened < 0)
+            return opened;
+        const StatusCode status = isLoad ? Load() : Call("Write");
+        Call("CloseSession");
         return status != 0 ? status : opened;
     }
     StatusCode LoadFile(bool isOld)
@@ -135,8 +131,8 @@ struct FaultyBoard : Desk {
     void TransferAll()
     {
         const std::string old = directory.Path("options.ini");
-        const auto save = [&] { Expect(Save(), model.isLoaded ? model.Transfer(&Model::Save) : -2); };
-        Expect(Load(), model.Transfer(&Model::Load));
+        const auto save = [&] { Expect(Save(), model.isLoaded ? model.Transfer(false) : -2); };
+        Expect(Load(), model.Transfer(true));
         save();
         Expect(LoadFile(), model.LoadFile(false));
         save();
