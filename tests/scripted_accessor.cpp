@@ -22,47 +22,46 @@ VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_InitializeAccessor(ConfigClass *con
     snprintf(ownName, sizeof ownName, "%s", value);
     value = "?";
     const StatusCode status = CfgClass_GetAccessorData(configClass, "Private", &value);
-    Script_Note("Initialize(%s,%d,%s) ", directory, status, value);
+    Script_Note("Initialize(", directory, ",", status, ",", value, ") ");
     return script->initialize;
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_CloseAccessor(void)
 {
-    Script_Note("Close(%s) ", ownName);
+    Script_Note("Close(", ownName, ") ");
     return script->close;
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_CreateSession(uint32_t first, uint32_t second, VelkWord *session)
 {
-    Script_Note("CreateSession(%u,%u) ", first, second);
+    Script_Note("CreateSession(", first, ",", second, ") ");
     *session = 77;
     return script->createSession;
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_CloseSession(VelkWord session)
 {
-    Script_Note("CloseSession(%u) ", static_cast<uint32_t>(session));
+    Script_Note("CloseSession(", static_cast<uint32_t>(session), ") ");
     return -99;
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_Read(VelkWord session, Config *config)
 {
     VRegTable **place = &TableOf(config);
-    Script_Note("Read(%u%s) ", static_cast<uint32_t>(session), *place == nullptr ? "" : ",table");
+    Script_Note("Read(", static_cast<uint32_t>(session), *place == nullptr ? ") " : ",table) ");
     return Script_Fill(script->registers, place) ? script->read : StatusOutOfMemory;
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_Write(VelkWord session, VRegTable *table)
 {
-    Script_Note("Write(%u: ", static_cast<uint32_t>(session));
-    Script_NoteTable(table);
+    Script_Note("Write(", static_cast<uint32_t>(session), ": ", table, ") ");
     return script->write;
 }
 
 VELK_ACCESSOR_ENTRY StatusCode VELK_CALL Cfg_LoadFromFile(ConfigClass * /*configClass*/, const char *file,
                                                           VRegTable **table)
 {
-    Script_Note("LoadFromFile(%s%s) ", file, *table == nullptr ? "" : ",table");
+    Script_Note("LoadFromFile(", file, *table == nullptr ? ") " : ",table) ");
     return Script_Fill(script->oldFile, table) ? script->loadFromFile : StatusOutOfMemory;
 }
 

@@ -1,6 +1,5 @@
 #include "tests/support/board.h"
 
-#include <cstdarg>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -188,19 +187,19 @@ std::string Edited(std::string text, const std::string &what, const std::string 
     return at == std::string::npos ? text : text.replace(at, what.size(), by);
 }
 
-void Script_Note(const char *format, ...)
+void Script_Append(const char *text)
 {
-    char text[1024];
-    va_list arguments;
-    va_start(arguments, format);
-    vsnprintf(text, sizeof text, format, arguments);
-    va_end(arguments);
     script->calls += text;
 }
 
-void Script_NoteTable(const VRegTable *table)
+void Script_Append(int64_t number)
 {
-    script->calls += Table_Text(table) + ") ";
+    script->calls += std::to_string(number);
+}
+
+void Script_Append(const VRegTable *table)
+{
+    script->calls += Table_Text(table);
 }
 
 bool Script_Fill(const char *registers, VRegTable **place)

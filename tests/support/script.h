@@ -18,10 +18,15 @@ struct Script {
 };
 extern Script *script; // in force: that of the latest desk
 
-// What the scripted accessor does with it, beyond answering. Fills a place as Table_Append does, but leaves
-// it alone for null.
-[[gnu::format(printf, 1, 2)]] void Script_Note(const char *format, ...);
-void Script_NoteTable(const VRegTable *table);
+// What the scripted accessor does with it, beyond answering: writes down a call, piece by piece, and fills a
+// place as Table_Append does, but leaves it alone for null.
+void Script_Append(const char *text);
+void Script_Append(int64_t number);
+void Script_Append(const VRegTable *table);
+template <typename... Pieces> void Script_Note(Pieces... pieces)
+{
+    (Script_Append(pieces), ...);
+}
 bool Script_Fill(const char *registers, VRegTable **place);
 
 // The place of the table, with which a configuration begins.
