@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
 #include <iostream>
+#include <optional>
 #include <set>
 #include <sstream>
 
@@ -210,6 +212,17 @@ const std::pair<const char *, Operation> canaries[] = {
       [](Bed &bed) { return std::exchange(bed.answers.close, -1) == 0 ? MakeText(bed) : -1; }}},
 };
 
+// Whether a call has an nth allocation, without which it gives -1; it gives `otherwise` with all.
+bool IsRefused(int nth, const std::function<StatusCode()> &call, StatusCode otherwise)
+{
+    std::optional<FailAllocations> fail(std::in_place, nth);
+    const StatusCode status = call();
+    const bool isRefused = fail->Fired();
+    fail.reset();
+    EXPECT_EQ(status, isRefused ? -1 : otherwise);
+    return isRefused;
+}
+
 } // namespace
 
 Bed::Bed()
@@ -275,6 +288,34 @@ TEST(OutOfMemory, LeavesWhatWasBehindEveryExport)
     EXPECT_EQ(named, exported);
     std::cout << "measured: out of memory at " << faults << " points\n";
     EXPECT_GE(faults, 916);
+}
+
+// In a load each allocation fails along with each call of the accessor. A set enters none.
+TEST(OutOfMemory, MeetsFailingAccessors)
+{
+    for (StatusCode Script::*const answer : {&Script::createSession, &Script::read}) {
+        bool isLoadRefused = true, isSetRefused = true;
+        for (int nth = 1; (isLoadRefused || isSetRefused) && !HasFailure(); ++nth) {
+            SCOPED_TRACE(nth);
+            Bed bed;
+            const std::string before = bed.Observe();
+            bed.answers.*answer = -109;
+            std::string calls = bed.answers.calls;
+            isSetRefused = IsRefused(
+                nth, [&] { return VelkSetOption(bed.config, "A", 1); }, 0);
+            EXPECT_TRUE(!isSetRefused || bed.Observe() == before);
+            EXPECT_EQ(bed.answers.calls, calls);
+
+            const std::string set = bed.Observe();
+            isLoadRefused = IsRefused(
+                nth, [&] { return bed.Load(); }, -109);
+            EXPECT_EQ(bed.Observe() == set, answer == &Script::createSession);
+            EXPECT_GT(bed.answers.calls, calls);
+            bed.answers.*answer = 0;
+            EXPECT_EQ(bed.Load(), 0);
+            EXPECT_EQ(bed.Observe(), before);
+        }
+    }
 }
 
 TEST(OutOfMemory, CanariesAreReported)
