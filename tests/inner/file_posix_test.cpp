@@ -100,6 +100,13 @@ TEST(File, ReplaceFollowsLinks)
                 EXPECT_TRUE(S_ISLNK(Mode(link)));
                 EXPECT_EQ(directory.Read(target), bytes);
             }
+            bool isRefused = true;
+            for (int nth = 1; isRefused; ++nth) {
+                const FailAllocations fail(nth);
+                const FileStatus status = Replace(link, "without memory");
+                isRefused = fail.Fired();
+                EXPECT_EQ(status, isRefused ? FileNoMemory : FileDone);
+            }
             std::filesystem::remove(link);
             std::filesystem::remove(directory.Path(target));
         }
