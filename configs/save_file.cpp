@@ -12,6 +12,7 @@
 
 constexpr char InformationSection[] = "Information";
 constexpr char DataSection[] = "Data";
+constexpr uint32_t InformationItems = 3;
 
 // The digits of the numbers that stand for registers and for what they hold.
 constexpr int32_t WordDigits = 8;
@@ -69,11 +70,12 @@ static int32_t PutVReg(Profile *file, const VReg *slot)
 
 static int32_t PutConfig(Profile *file, const Config *config, const char *key)
 {
-    if (IniPutString(file, InformationSection, "Class", config->configClass->name) < 0 ||
+    const uint32_t count = VRegTable_Count(config->table);
+    if (IniReserveItems(file, InformationItems + count) < 0 ||
+        IniPutString(file, InformationSection, "Class", config->configClass->name) < 0 ||
         IniPutString(file, InformationSection, "Key", key) < 0 ||
         IniPutString(file, InformationSection, "Version", "1.0") < 0)
         return -1;
-    const uint32_t count = VRegTable_Count(config->table);
     for (uint32_t n = 0; n < count; ++n)
         if (PutVReg(file, &config->table->regs[n]) < 0)
             return -1;

@@ -128,26 +128,45 @@ int32_t IniGetStringIntoBuffer(Profile *profile, const char *section, const char
     return 1;
 }
 
-// What can fail comes first: with room reserved, and in a section that is new, nothing else can.
+int32_t IniReserveItems(Profile *profile, uint32_t count)
+{
+    const bool isReserved =
+        Array_ReserveExactly(&profile->records, count) && Array_ReserveExactly(&profile->places, count);
+    return isReserved ? 0 : -1;
+}
+
+// Most items are put into the section that was made last.
+static uint32_t Section_FindToPut(Profile *profile, const char *section)
+{
+    const auto last = static_cast<uint32_t>(profile->sections.count);
+    if (last > 0 && strcmp(Profile_Section(profile, last)->name, section) == 0)
+        return last;
+    return Profile_FindExactly(profile, 0, section);
+}
+
+// What can fail comes first: with room reserved, nothing else can in a section that is new.
 int32_t IniPutString(Profile *profile, const char *section, const char *item, const char *value)
 {
-    if (!Profile_ReservePut(profile))
+    uint32_t number = Section_FindToPut(profile, section);
+    if (number == 0 && !Profile_ReservePut(profile))
         return -1;
-    uint32_t number = Profile_FindExactly(profile, 0, section);
     const bool mayReplace = number != 0 && !profile->keepsDuplicates;
     const uint32_t first = mayReplace ? Profile_FindExactly(profile, number, item) : 0;
 
-    char *valueText = Profile_CopyText(profile, value);
-    char *itemText = first != 0 ? Profile_Record(profile, first)->name : Profile_CopyText(profile, item);
+    const size_t itemLength = strlen(item);
+    char *valueText = Profile_CopyText(profile, value, strlen(value));
+    char *itemText =
+        first != 0 ? Profile_Record(profile, first)->name : Profile_CopyText(profile, item, itemLength);
     if (valueText == nullptr || itemText == nullptr)
         return -1;
     if (number == 0) {
-        char *sectionText = Profile_CopyText(profile, section);
+        const size_t sectionLength = strlen(section);
+        char *sectionText = Profile_CopyText(profile, section, sectionLength);
         if (sectionText == nullptr)
             return -1;
-        number = Profile_OpenSection(profile, sectionText, strlen(section), 0);
+        number = Profile_OpenSection(profile, sectionText, sectionLength, 0);
     }
-    return Profile_AddItem(profile, {itemText, valueText, number, 0}, strlen(item)) ? 0 : -1;
+    return Profile_AddItem(profile, {itemText, valueText, number, 0}, itemLength) ? 0 : -1;
 }
 
 int32_t IniSectionExists(Profile *profile, const char *section)

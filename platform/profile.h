@@ -73,6 +73,10 @@ int32_t IniGetPointerToString(Profile *profile, const char *section, const char 
 int32_t IniGetStringIntoBuffer(Profile *profile, const char *section, const char *item, char *buffer,
                                int32_t size);
 
+// Makes room for so many more items at once, so that none moves as they are put one by one. Gives 0, or -1
+// when memory runs out, with the handle as it was.
+int32_t IniReserveItems(Profile *profile, uint32_t count);
+
 // Puts an item at the end of a section, which is made if it is new; with duplicate checking on, an item
 // of that name is replaced instead. The texts are copied. Gives 0, or -1 when memory runs out, with the
 // handle as it was.

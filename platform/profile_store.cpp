@@ -472,9 +472,9 @@ bool Profile_AddItem(Profile *profile, const Record &item, size_t nameLength)
                               : Section_AddToScanned(profile, section, item, name);
 }
 
-char *Profile_CopyText(Profile *profile, const char *text)
+char *Profile_CopyText(Profile *profile, const char *text, size_t length)
 {
-    const size_t size = strlen(text) + 1;
+    const size_t size = length + 1;
     if (!Profile_ReserveText(profile, size))
         return nullptr;
     char *copy = Block_Text(profile->blocks) + profile->blocks->used;

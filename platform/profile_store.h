@@ -103,23 +103,32 @@ inline Record *Section_Item(const Profile *profile, const Section *section, uint
     return Profile_Record(profile, profile->places.items[section->firstPlace + n - 1].record);
 }
 
-template <typename Element> bool Array_Grow(Array<Element> *array, size_t extra)
+template <typename Element> bool Array_Resize(Array<Element> *array, size_t capacity)
 {
-    const size_t wanted = 2 * (array->count + extra);
-    if (wanted > std::numeric_limits<size_t>::max() / sizeof(Element))
+    if (capacity > std::numeric_limits<size_t>::max() / sizeof(Element))
         return false;
-    void *const items = realloc(array->items, wanted * sizeof(Element));
+    void *const items = realloc(array->items, capacity * sizeof(Element));
     if (items == nullptr)
         return false;
     array->items = static_cast<Element *>(items);
-    array->capacity = wanted;
+    array->capacity = capacity;
     return true;
 }
 
-// Makes room for `extra` more elements, which leaves what is there as it is. False without memory.
+template <typename Element> bool Array_HasRoom(const Array<Element> *array, size_t extra)
+{
+    return extra <= array->capacity - array->count;
+}
+
+// Makes room for `extra` more elements, which leaves what is there as it is. False without memory. More often
+// than not others follow; where it is known how many, the room is for just these.
 template <typename Element> bool Array_Reserve(Array<Element> *array, size_t extra)
 {
-    return extra <= array->capacity - array->count || Array_Grow(array, extra);
+    return Array_HasRoom(array, extra) || Array_Resize(array, 2 * (array->count + extra));
+}
+template <typename Element> bool Array_ReserveExactly(Array<Element> *array, size_t extra)
+{
+    return Array_HasRoom(array, extra) || Array_Resize(array, array->count + extra);
 }
 
 // Makes an empty store out of a zero-filled record. False without memory; Profile_Release is due then too.
@@ -150,6 +159,6 @@ bool Profile_AddItem(Profile *profile, const Record &item, size_t nameLength);
 Block *Block_New(size_t capacity);
 
 // Copies a text into a block; null without memory.
-char *Profile_CopyText(Profile *profile, const char *text);
+char *Profile_CopyText(Profile *profile, const char *text, size_t length);
 
 #endif

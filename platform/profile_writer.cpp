@@ -3,23 +3,6 @@
 #include "platform/profile.h"
 #include "platform/profile_store.h"
 
-#include <cstring>
-
-static bool Text_NeedsQuotes(const char *text, size_t length)
-{
-    if (length == 0)
-        return false;
-    const char last = text[length - 1];
-    return *text == '"' || Char_IsBlank(*text) || Char_IsBlank(last) || last == '\r' ||
-           memchr(text, '\n', length) != nullptr;
-}
-
-static bool ItemName_NeedsQuotes(const char *name, size_t length)
-{
-    return length == 0 || *name == '[' || *name == ';' || *name == '#' ||
-           memchr(name, '=', length) != nullptr || Text_NeedsQuotes(name, length);
-}
-
 // The letter that stands for a byte behind a backslash, or 0: the byte stands for itself.
 static char Byte_Escape(char byte)
 {
@@ -38,36 +21,51 @@ static char Byte_Escape(char byte)
     }
 }
 
-static char *Plain_Write(char *to, const char *text, size_t length)
-{
-    memcpy(to, text, length);
-    return to + length;
-}
-
-static char *Quoted_Write(char *to, const char *text, size_t length)
+static char *Quoted_Write(char *to, const char *text)
 {
     *to++ = '"';
-    for (size_t i = 0; i < length; ++i) {
-        const char escape = Byte_Escape(text[i]);
+    for (; *text != 0; ++text) {
+        const char escape = Byte_Escape(*text);
         if (escape != 0)
             *to++ = '\\';
-        *to++ = escape != 0 ? escape : text[i];
+        *to++ = escape != 0 ? escape : *text;
     }
     *to++ = '"';
     return to;
 }
 
+// Copies a text as it is: where it ends, or null if it would not read back so, since it begins with a quote
+// or a blank, ends with a blank or a carriage return, or has a line end or `sign` in it.
+static char *Plain_Write(char *to, const char *text, char sign)
+{
+    if (*text == '"' || Char_IsBlank(*text))
+        return nullptr;
+    char last = 0;
+    for (; *text != 0; ++text) {
+        last = *text;
+        if (last == '\n' || last == sign)
+            return nullptr;
+        *to++ = last;
+    }
+    return Char_IsBlank(last) || last == '\r' ? nullptr : to;
+}
+
 static char *Text_Write(char *to, const char *text)
 {
-    const size_t length = strlen(text);
-    return Text_NeedsQuotes(text, length) ? Quoted_Write(to, text, length) : Plain_Write(to, text, length);
+    char *end = Plain_Write(to, text, '\n');
+    return end != nullptr ? end : Quoted_Write(to, text);
+}
+
+static char *ItemName_Write(char *to, const char *name)
+{
+    const bool isPlain = *name != 0 && *name != '[' && *name != ';' && *name != '#';
+    char *end = isPlain ? Plain_Write(to, name, '=') : nullptr;
+    return end != nullptr ? end : Quoted_Write(to, name);
 }
 
 static char *Item_Write(char *to, const Record *item)
 {
-    const size_t length = strlen(item->name);
-    to = ItemName_NeedsQuotes(item->name, length) ? Quoted_Write(to, item->name, length)
-                                                  : Plain_Write(to, item->name, length);
+    to = ItemName_Write(to, item->name);
     *to++ = '=';
     to = Text_Write(to, item->value);
     *to++ = '\n';

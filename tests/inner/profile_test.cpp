@@ -265,6 +265,7 @@ TEST(Profile, IsEmptyOrAsItWasWhicheverAllocationFails)
     const Call calls[] = {
         {true, [&](const Handle &file) { return IniReadFromFile(file.profile, path.c_str()); }},
         {false, [&](const Handle &file) { return IniWriteToFile(file.profile, path.c_str()); }},
+        {false, [&](const Handle &file) { return IniReserveItems(file.profile, 200); }},
         {false, [&](const Handle &file) { return file.Put("a", "1", value); }},
         {false, [&](const Handle &file) { return file.Put("c", "1", value); }}};
     int points = 0;
