@@ -91,6 +91,7 @@ TEST(Profile, IsEmptyAfterARefusalAndTellsItsLine)
         file.Put("kept", "a", "b");
         EXPECT_EQ(IniReadFromFile(file.profile, path.c_str()), -1);
         EXPECT_EQ(file.Text(), "");
+        EXPECT_TRUE(path == "/dev/zero" || IniFailedLine(file.profile) == 0) << "no line is at fault";
     }
 }
 
