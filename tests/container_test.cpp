@@ -7,14 +7,16 @@ TEST(Containers, HoldWhatIsPutInThem)
     List *list = List_New(5), *bare = List_New(-1);
     EXPECT_TRUE(list->count == 0 && list->items[4] == 0 && bare->count == 0 && bare->items == nullptr);
     EXPECT_EQ(List_Append(list, 1) + List_Append(bare, 1), 0);
-    char *text = String_CopyNew("abc");
+    String_Delete(String_CopyNew("What lies here later.")); // a text without its end goes on with it
+    char *text = String_CopyNew("What lies here");
     EXPECT_EQ(List_AreEqual(list, bare), 1);
     list->items[0] = 2;
     EXPECT_EQ(List_AreEqual(list, bare), 0);
     EXPECT_EQ(List_Append(bare, 2), 0);
     EXPECT_EQ(List_AreEqual(list, bare), 0);
-    text = String_Append(String_Append(text, ""), "def");
-    EXPECT_TRUE(String_AreEqual(text, "abcdef") == 1 && String_AreEqual(text, "abcdeF") == 0);
+    text = String_Append(String_Append(text, ""), " now");
+    EXPECT_TRUE(String_AreEqual(text, "What lies here now") == 1);
+    EXPECT_EQ(String_AreEqual(text, "What lies here noW"), 0);
     EXPECT_EQ(String_CopyNew(nullptr), nullptr);
     String_Delete(nullptr);
     String_Delete(text);

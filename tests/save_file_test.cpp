@@ -13,12 +13,12 @@ std::string File(const std::string &data, const std::string &key = "Key=k\n")
 
 TEST(SaveFiles, HaveOneForm)
 {
-    const std::string registers = "10=ff b000001=a f000001=1,ff,0 b000002=- f000002=- 10=2 f0000001=5";
+    const std::string registers = "10=ff b000001=a f000001=1,1f,0 b000002=- f000002=- 10=2 f0000001=5";
     const Board board("", "", registers.c_str());
     ASSERT_EQ(board.SaveFile(), 0);
     EXPECT_EQ(board.directory.Read("file"),
               "[Information]\nClass=C\nKey=k\nVersion=1.0\n\n[Data]\n0x00000010=0x000000FF\n0x0B000001=a\n"
-              "0x0F000001=0x1, 0xFF, 0x0\n0x0B000002=\n0x0F000002=\n0x00000010=0x00000002\n"
+              "0x0F000001=0x1, 0x1F, 0x0\n0x0B000002=\n0x0F000002=\n0x00000010=0x00000002\n"
               "0xF0000001=0x00000005\n");
     EXPECT_EQ(board.Run("."), registers);
     EXPECT_EQ(VelkSaveToFile(board.config, board.directory.path.c_str(), "k"), -6);

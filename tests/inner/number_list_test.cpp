@@ -45,10 +45,10 @@ TEST(NumberParse, ReadsWhatDigitsThereAre)
 {
     // Text, base, status, value.
     static const std::tuple<const char *, int32_t, StatusCode, uint32_t> rows[] = {
-        {" \t+0x1Fg", 0, 0, 31},   {"017", 0, 0, 15},        {"017", 10, 0, 17}, {"1F", 16, 0, 31},
-        {"0X1f", 16, 0, 31},       {"1F", 10, 0, 1},         {"0x1F", 10, 0, 0}, {"", 0, -1, 0},
-        {"+-1", 0, -1, 0},         {"0x", 16, -1, 0},        {"0xg", 0, -1, 0},  {"-0x10", 0, 0, -16U},
-        {"4294967296", 0, 0, ~0U}, {"-99999999999", 0, 0, 1}};
+        {" \t+0x1Fg", 0, 0, 31}, {"0x1`@", 0, 0, 1},        {"017", 0, 0, 15},        {"017", 10, 0, 17},
+        {"1F", 16, 0, 31},       {"0X1f", 16, 0, 31},       {"1F", 10, 0, 1},         {"0x1F", 10, 0, 0},
+        {"", 0, -1, 0},          {"+-1", 0, -1, 0},         {"0x", 16, -1, 0},        {"0xg", 0, -1, 0},
+        {"-0x10", 0, 0, -16U},   {"4294967296", 0, 0, ~0U}, {"-99999999999", 0, 0, 1}};
     for (const auto &[text, base, status, expected] : rows) {
         uint32_t value = 55;
         EXPECT_EQ(Number_Parse(text, base, &value), status) << text;
